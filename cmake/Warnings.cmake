@@ -11,3 +11,11 @@ if(MMFS_SANITIZE)
   add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:${_mmfs_san}>")
   add_link_options(${_mmfs_san})
 endif()
+if(MMFS_BUILD_FUZZ)
+  # Fuzzing builds instrument the whole library; only the fuzz targets link
+  # libFuzzer's main.
+  set(_mmfs_fuzz -fsanitize=fuzzer-no-link,address,undefined -fno-omit-frame-pointer
+                 -fno-sanitize-recover=undefined)
+  add_compile_options("$<$<COMPILE_LANGUAGE:C,CXX>:${_mmfs_fuzz}>")
+  add_link_options(-fsanitize=address,undefined)
+endif()
