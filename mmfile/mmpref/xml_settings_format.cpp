@@ -1,0 +1,169 @@
+// Reader and writer of the preference XML format, and its registration.
+#include "mmpref/xml_settings_format.h"
+
+#include <QDebug>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+#include <QXmlStreamReader>
+#include <QXmlStreamWriter>
+
+namespace {
+
+const QString kRootElement = QStringLiteral("ApplicationSettings");
+const QString kValueMember = QStringLiteral("value");
+const QString kCommentMember = QStringLiteral("comment");
+const QString kPlatformAttribute = QStringLiteral("os");
+
+// The element names open while reading, kept as the settings key they spell
+// ("panel/width:os=linux") so that a key costs no join.
+class ElementPath {
+ public:
+  bool isEmpty() const { return starts_.isEmpty(); }
+  const QString& key() const { return joined_; }
+
+  void push(const QString& name) {
+    if (!starts_.isEmpty()) joined_ += u'/';
+    starts_.append(joined_.size());
+    joined_ += name;
+  }
+
+  // The innermost name, platform suffix included.
+  QStringView top() const { return QStringView(joined_).mid(starts_.last()); }
+
+  void pop() {
+    const qsizetype start = starts_.takeLast();
+    joined_.truncate(starts_.isEmpty() ? 0 : start - 1);
+  }
+
+ private:
+  QString joined_;
+  QList<qsizetype> starts_;
+};
+
+QSettings::Format registeredFormat() {
+  static const QSettings::Format format =
+      QSettings::registerFormat(QStringLiteral("xml"), readXmlFile, writeXmlFile, Qt::CaseSensitive);
+  return format;
+}
+
+// Registered when the library is loaded, so that any QSettings of the process
+// can open preference files.
+const QSettings::Format loadTimeRegistration = registeredFormat();
+
+}  // namespace
+
+QSettings::Format getQSettingsFormat() { return registeredFormat(); }
+
+bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
+  QXmlStreamReader xml(&device);
+  ElementPath path;
+  QString pendingComment;
+  QVariantMap attributes;
+
+  while (!xml.atEnd()) {
+    switch (xml.readNext()) {
+      case QXmlStreamReader::Comment:
+        pendingComment = xml.text().toString();
+        break;
+
+      case QXmlStreamReader::StartElement: {
+        attributes.clear();
+        if (xml.name() == kRootElement) break;
+        QString name = xml.name().toString();
+        for (const QXmlStreamAttribute& attribute : xml.attributes()) {
+          if (attribute.name() == kPlatformAttribute) {
+            name += u':';
+            name += attribute.name();
+            name += u'=';
+            name += attribute.value();
+          } else {
+            attributes.insert(attribute.name().toString(), attribute.value().toString());
+          }
+        }
+        // A comment belongs to the element right after it; on a group element
+        // it is dropped when the next element starts.
+        if (!pendingComment.isEmpty()) {
+          attributes.insert(kCommentMember, pendingComment);
+          pendingComment.clear();
+        }
+        path.push(name);
+        break;
+      }
+
+      case QXmlStreamReader::EndElement: {
+        if (xml.name() == kRootElement || path.isEmpty()) break;
+        const QStringView stacked = path.top();
+        if (stacked.split(u':').first() != xml.name())
+          qWarning() << "! Error, this endElement was" << xml.name().toString() << ", not"
+                     << stacked.toString();
+        path.pop();
+        break;
+      }
+
+      case QXmlStreamReader::Characters: {
+        // Indentation between elements is white space only; text directly in
+        // the root belongs to no key.
+        if (xml.text().trimmed().isEmpty() || path.isEmpty()) break;
+        attributes.insert(kValueMember, xml.text().toString());
+        map.insert(path.key(), attributes);
+        break;
+      }
+
+      default:
+        if (xml.hasError()) {
+          qWarning() << "! Error parsing XML configuration file" << xml.errorString();
+          return false;
+        }
+        break;
+    }
+  }
+  return true;
+}
+
+bool writeXmlFile(QIODevice& device, const QSettings::SettingsMap& map) {
+  QXmlStreamWriter xml(&device);
+  xml.setAutoFormatting(true);
+  xml.writeStartDocument();
+  xml.writeStartElement(kRootElement);
+
+  QStringList previous;
+  for (auto it = map.cbegin(); it != map.cend(); ++it) {
+    const QStringList parts = it.key().split(u':');
+    const QStringList components = parts.first().split(u'/');
+
+    // Groups stay open while consecutive keys share them; a previous key
+    // without a group shares nothing.
+    qsizetype common = 0;
+    if (previous.size() >= 2) {
+      while (common < previous.size() - 1 && common < components.size() &&
+             previous[common] == components[common])
+        ++common;
+    }
+    for (qsizetype depth = previous.size(); depth > common; --depth) xml.writeEndElement();
+
+    const QVariantMap entry = it.value().toMap();
+    if (components.size() > common) {
+      for (qsizetype i = common; i < components.size() - 1; ++i) xml.writeStartElement(components[i]);
+      const QString comment = entry.value(kCommentMember).toString();
+      if (!comment.isEmpty()) xml.writeComment(comment);
+      xml.writeStartElement(components.last());
+      for (auto member = entry.cbegin(); member != entry.cend(); ++member) {
+        if (member.key() != kCommentMember && member.key() != kValueMember)
+          xml.writeAttribute(member.key(), member.value().toString());
+      }
+      if (parts.size() > 1) {
+        const QStringList platform = parts[1].split(u'=');
+        xml.writeAttribute(platform.first(), platform.value(1));
+      }
+    }
+    xml.writeCharacters(entry.value(kValueMember).toString());
+    previous = components;
+  }
+
+  for (qsizetype depth = previous.size(); depth > 0; --depth) xml.writeEndElement();
+  xml.writeEndElement();
+  xml.writeEndDocument();
+  return !xml.hasError();
+}
