@@ -26,7 +26,7 @@ int mmfile_get_product_version(const char* product, int* version);
 #include <vector>
 
 // Files of the panoply scripts menu.
-enum PanoplyScriptsPathType {
+enum PanoplyScriptsPathType : int {
   USER_MENU_FILE = 1,      // release directory/panoply/scriptsx.mnu
   USER_SCRIPTS_DIR = 2,    // release directory/scriptsx
   SHARED_MENU_FILE = 3,    // kitbase directory/python/common/scriptsx.mnu

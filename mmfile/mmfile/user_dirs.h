@@ -48,7 +48,7 @@ int mmfile_get_morvellanth_support_error_mesg(char** message);
 #include <string>
 
 // Kinds of user directory known to mmfile_get_directory_path.
-enum DirectoryName {
+enum DirectoryName : int {
   HOME = 1,
   APPDATA = 2,
   LOCAL_APPDATA = 3,
