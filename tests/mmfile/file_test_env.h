@@ -60,6 +60,7 @@ class FileMessages {
 // exactly `length` characters long; returns that path.
 inline std::string MakeDirOfLength(const std::string& base, std::size_t length) {
   std::string path = base;
+  mkdir(path.c_str(), 0755);
   while (path.size() < length) {
     std::size_t room = length - path.size() - 1;  // after the "/"
     // Leave at least two characters for a last component.
