@@ -1,0 +1,71 @@
+// Compiles a random pattern with mm_regcomp and matches it against a random
+// subject with mm_regexec. Input: the pattern, a NUL, the subject.
+// Checks: a match is 0 or 1; the recorded positions lie inside the subject in
+// order; an anchored pattern matches only at the subject's start.
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "fuzz_support.h"
+#include "mmtoken/regexp.h"
+
+namespace {
+
+bool Inside(const char* p, const std::string& subject) {
+  return p >= subject.c_str() && p <= subject.c_str() + subject.size();
+}
+
+void CheckMatch(const regexp* re, const std::string& subject) {
+  fuzz::Check(re->startp[0] != nullptr && re->endp[0] != nullptr,
+              "a match records where it starts and ends");
+  fuzz::Check(Inside(re->startp[0], subject) && Inside(re->endp[0], subject) &&
+                  re->startp[0] <= re->endp[0],
+              "the whole match lies inside the subject");
+  if (re->reganch) {
+    fuzz::Check(re->startp[0] == subject.c_str(), "an anchored match begins at the start");
+  }
+  for (int i = 1; i < NSUBEXP; ++i) {
+    if (re->startp[i] != nullptr) {
+      fuzz::Check(Inside(re->startp[i], subject), "a group starts inside the subject");
+    }
+    if (re->endp[i] != nullptr) {
+      fuzz::Check(Inside(re->endp[i], subject), "a group ends inside the subject");
+    }
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  fuzz::SilenceHandle(-1);
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  std::vector<std::string> fields = fuzz::SplitFields(data, size, 2);
+  const std::string& pattern = fields[0];
+  const std::string subject = fields.size() > 1 ? fields[1] : std::string();
+
+  regexp* re = mm_regcomp(pattern.c_str());
+  if (re == nullptr) return 0;
+
+  int matched = mm_regexec(re, subject.c_str());
+  fuzz::Check(matched == 0 || matched == 1, "mm_regexec answers 0 or 1");
+  if (matched) CheckMatch(re, subject);
+
+  // A second run on the same compiled block must give the same answer: the
+  // matcher's process-wide state may not leak from one match into the next.
+  fuzz::Check(mm_regexec(re, subject.c_str()) == matched, "matching is repeatable");
+
+  // Matching is unanchored: a pattern that matches the subject also matches
+  // it with a prefix the pattern cannot see, unless it is anchored.
+  if (matched && !re->reganch && pattern.find('^') == std::string::npos) {
+    std::string longer = "\x01" + subject;
+    fuzz::Check(mm_regexec(re, longer.c_str()) == 1,
+                "an unanchored match survives a prefix");
+  }
+  std::free(re);
+  return 0;
+}
