@@ -1,0 +1,89 @@
+// Reads random bytes as a preference file: directly with readXmlFile on an
+// in-memory device, and through QSettings with the registered format on a
+// file in the working directory. Input: the file's bytes.
+// Checks: whatever readXmlFile puts in the map, writeXmlFile writes as a document
+// that readXmlFile accepts again, so a store that saves what it read can
+// always read its file back.
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QSettings>
+#include <QString>
+#include <QVariant>
+#include <QtGlobal>
+#include <cstdint>
+
+#include "fuzz_support.h"
+#include "mmpref/xml_settings_format.h"
+
+namespace {
+
+// Warnings of the reader (parse errors, mismatched end tags) are expected for
+// most inputs; printing them would be most of the work.
+void DiscardMessages(QtMsgType, const QMessageLogContext&, const QString&) {}
+
+bool ReadFrom(QByteArray bytes, QSettings::SettingsMap& map) {
+  QBuffer device(&bytes);
+  device.open(QIODevice::ReadOnly);
+  return readXmlFile(device, map);
+}
+
+void CheckWriteReadsBack(const QSettings::SettingsMap& map) {
+  QByteArray written;
+  QBuffer device(&written);
+  device.open(QIODevice::WriteOnly);
+  fuzz::Check(writeXmlFile(device, map), "writing a map that was read succeeds");
+  device.close();
+  QSettings::SettingsMap again;
+  if (!ReadFrom(written, again)) {
+    fuzz::Fail("a written file reads back");
+  }
+}
+
+// QSettings keeps recently used files and reads one again only when its size
+// or modification time changed; each run gets a later time so that it is.
+void StampLater(const char* path) {
+  static long long tick = 0;
+  ++tick;
+  struct timespec times[2];
+  times[0].tv_sec = times[1].tv_sec = 1000000000 + tick;
+  times[0].tv_nsec = times[1].tv_nsec = 0;
+  utimensat(AT_FDCWD, path, times, 0);
+}
+
+void ReadThroughSettings(const uint8_t* data, size_t size) {
+  static const QString path = QDir::current().absoluteFilePath(QStringLiteral("fuzz_prefs.xml"));
+  {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) fuzz::Fail("cannot write the file");
+    file.write(reinterpret_cast<const char*>(data), static_cast<qint64>(size));
+  }
+  StampLater(QFile::encodeName(path).constData());
+  QSettings settings(path, getQSettingsFormat());
+  const QStringList keys = settings.allKeys();
+  for (const QString& key : keys) settings.value(key).toMap();
+  const QSettings::Status status = settings.status();
+  fuzz::Check(status == QSettings::NoError || status == QSettings::FormatError,
+              "reading reports no error or a format error");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+  qInstallMessageHandler(DiscardMessages);
+  return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  QSettings::SettingsMap map;
+  const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+  // Entries read before a parse error stay in the map and are saved as well.
+  ReadFrom(bytes, map);
+  CheckWriteReadsBack(map);
+  ReadThroughSettings(data, size);
+  return 0;
+}
