@@ -1,13 +1,10 @@
-// fgets_safe: lines as fgets gives them, and reads that go on after a signal
-// interrupts them.
+// fgets_safe: lines as fgets gives them, and reads that go on after being
+// interrupted (EINTR) but not after other errors.
 #include "mmcommon/line_reader.h"
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/time.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -36,56 +33,64 @@ TEST(FgetsSafe, ReadsLinesLikeFgets) {
   fclose(file);
 }
 
-volatile sig_atomic_t interruptions = 0;
-void CountInterruption(int) { interruptions = interruptions + 1; }
+// A stream whose first reads fail with a chosen errno, as a read interrupted
+// by a signal does, before it yields its text.
+struct FailingSource {
+  int failures_left;
+  int error;
+  std::string text;
+  size_t offset = 0;
+  int reads = 0;
+};
 
-// In a child: a timer signal without SA_RESTART interrupts the read of a pipe
-// whose writer waits before writing. Exit codes: 0 the line arrived, 1 it did
-// not, 2 nothing interrupted the read, 3 setup failed.
-int ReadPipeUnderSignals(char* (*reader)(char*, int, FILE*)) {
-  int fds[2];
-  if (pipe(fds) != 0) return 3;
-  pid_t writer = fork();
-  if (writer == 0) {
-    close(fds[0]);
-    usleep(300 * 1000);
-    const char text[] = "line after a pause\n";
-    ssize_t ignored = write(fds[1], text, sizeof text - 1);
-    (void)ignored;
-    _exit(0);
+ssize_t ReadFailingSource(void* cookie, char* buffer, size_t size) {
+  auto* source = static_cast<FailingSource*>(cookie);
+  ++source->reads;
+  if (source->failures_left > 0) {
+    --source->failures_left;
+    errno = source->error;
+    return -1;
   }
-  close(fds[1]);
-  struct sigaction action;
-  std::memset(&action, 0, sizeof action);
-  action.sa_handler = CountInterruption;
-  sigemptyset(&action.sa_mask);
-  action.sa_flags = 0;
-  sigaction(SIGALRM, &action, nullptr);
-  struct itimerval timer = {{0, 40 * 1000}, {0, 40 * 1000}};
-  setitimer(ITIMER_REAL, &timer, nullptr);
+  const size_t count = std::min(size, source->text.size() - source->offset);
+  std::memcpy(buffer, source->text.data() + source->offset, count);
+  source->offset += count;
+  return static_cast<ssize_t>(count);
+}
 
-  FILE* stream = fdopen(fds[0], "r");
-  char line[64];
-  char* got = reader(line, sizeof line, stream);
-
-  struct itimerval off = {{0, 0}, {0, 0}};
-  setitimer(ITIMER_REAL, &off, nullptr);
-  waitpid(writer, nullptr, 0);
-  if (interruptions == 0) return 2;
-  return got != nullptr && std::strcmp(line, "line after a pause\n") == 0 ? 0 : 1;
+FILE* OpenFailingSource(FailingSource* source) {
+  cookie_io_functions_t functions = {ReadFailingSource, nullptr, nullptr, nullptr};
+  return fopencookie(source, "r", functions);
 }
 
 TEST(FgetsSafe, GoesOnAfterInterruptedReads) {
-  mmfs_test::ChildResult result = mmfs_test::RunInChild([] { return ReadPipeUnderSignals(fgets_safe); });
-  ASSERT_TRUE(result.exited);
-  EXPECT_EQ(result.exit_code, 0);
+  FailingSource source{3, EINTR, "line after three interruptions\n"};
+  FILE* stream = OpenFailingSource(&source);
+  ASSERT_NE(stream, nullptr);
+  char line[64];
+  EXPECT_EQ(fgets_safe(line, sizeof line, stream), line);
+  EXPECT_STREQ(line, "line after three interruptions\n");
+  EXPECT_EQ(source.reads, 4);
+  fclose(stream);
 }
 
 TEST(FgetsSafe, PlainFgetsGivesUpInTheSameSituation) {
-  // Shows that the situation above does interrupt the read.
-  mmfs_test::ChildResult result = mmfs_test::RunInChild([] { return ReadPipeUnderSignals(fgets); });
-  ASSERT_TRUE(result.exited);
-  EXPECT_EQ(result.exit_code, 1);
+  // Shows that the stream above does fail as an interrupted read does.
+  FailingSource source{3, EINTR, "text\n"};
+  FILE* stream = OpenFailingSource(&source);
+  char line[64];
+  EXPECT_EQ(fgets(line, sizeof line, stream), nullptr);
+  EXPECT_EQ(errno, EINTR);
+  fclose(stream);
+}
+
+TEST(FgetsSafe, StopsAtOtherErrors) {
+  FailingSource source{1, EIO, "text\n"};
+  FILE* stream = OpenFailingSource(&source);
+  char line[64];
+  EXPECT_EQ(fgets_safe(line, sizeof line, stream), nullptr);
+  EXPECT_EQ(errno, EIO);
+  EXPECT_EQ(source.reads, 1);
+  fclose(stream);
 }
 
 }  // namespace
