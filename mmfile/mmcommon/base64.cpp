@@ -133,8 +133,11 @@ int decode_table(char* dest, const char* src, int len) {
   return static_cast<int>(out - dest);
 }
 
+// __builtin_cpu_init makes the checks valid even before the runtime's own
+// initialisation has run (from another library's static constructors).
 bool cpu_has_avx2() {
 #ifdef MMCOMMON_BASE64_X86
+  __builtin_cpu_init();
   return __builtin_cpu_supports("avx2");
 #else
   return false;
@@ -143,6 +146,7 @@ bool cpu_has_avx2() {
 
 bool cpu_has_avx512vbmi() {
 #ifdef MMCOMMON_BASE64_X86
+  __builtin_cpu_init();
   return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
          __builtin_cpu_supports("avx512vbmi");
 #else
