@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -182,6 +183,12 @@ std::string ExpectCrashHeader(const ChildResult& result, int signal) {
   return result.out.size() >= head.size() ? result.out.substr(head.size()) : "";
 }
 
+// Crashing children leave no core file behind.
+void DisableCoreFiles() {
+  struct rlimit none = {0, 0};
+  setrlimit(RLIMIT_CORE, &none);
+}
+
 void FaultOnProtectedPage() {
   void* page = mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (page == MAP_FAILED) _exit(2);
@@ -191,6 +198,7 @@ void FaultOnProtectedPage() {
 TEST(CrashReport, SegmentationFaultPrintsReportAndStackThenDies) {
   const time_t before = time(nullptr);
   ChildResult result = RunInChild([] {
+    DisableCoreFiles();
     morvellanth::add_default_signal_handler();
     ReportIdentities(getpid(), 0, 0);
     FaultOnProtectedPage();
@@ -205,6 +213,7 @@ TEST(CrashReport, SegmentationFaultPrintsReportAndStackThenDies) {
 
 TEST(CrashReport, AbortPrintsReportAndStackThenDies) {
   ChildResult result = RunInChild([] {
+    DisableCoreFiles();
     morvellanth::add_default_signal_handler();
     ReportIdentities(getpid(), 0, 0);
     abort();
@@ -218,6 +227,7 @@ TEST(CrashReport, AbortPrintsReportAndStackThenDies) {
 TEST(CrashReport, HandsOverToTheApplicationHandlerAfterTheStack) {
   ChildResult result = RunInChild([] {
     InstallApplicationHandler(SIGSEGV, ExitingApplicationHandler);
+    DisableCoreFiles();
     morvellanth::add_default_signal_handler();
     ReportIdentities(getpid(), 0, 0);
     FaultOnProtectedPage();
