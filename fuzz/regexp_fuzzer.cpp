@@ -2,6 +2,10 @@
 // subject with mm_regexec. Input: the pattern, a NUL, the subject.
 // Checks: a match is 0 or 1; the recorded positions lie inside the subject in
 // order; an anchored pattern matches only at the subject's start.
+// A subject that begins with a doubled character is also tried behind a run
+// of 4000 of that character: the mutator reaches such lengths only slowly,
+// and long runs are what make backtracking patterns blow up (the runner's
+// -timeout bounds each input).
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -65,6 +69,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::string longer = "\x01" + subject;
     fuzz::Check(mm_regexec(re, longer.c_str()) == 1,
                 "an unanchored match survives a prefix");
+  }
+  if (subject.size() >= 2 && subject[0] == subject[1]) {
+    const std::string stretched = std::string(4000, subject[0]) + subject;
+    const int long_match = mm_regexec(re, stretched.c_str());
+    fuzz::Check(long_match == 0 || long_match == 1, "mm_regexec answers 0 or 1");
+    if (long_match) CheckMatch(re, stretched);
   }
   std::free(re);
   return 0;
