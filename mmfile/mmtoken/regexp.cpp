@@ -474,18 +474,29 @@ size_t RegRepeat(const char* p) {
       break;
   }
   size_t count = static_cast<size_t>(scan - reginput);
+  state.steps += count;
   reginput = scan;
   return count;
 }
 
 // The highest position in [low, from] where the rest of a STAR/PLUS may be
 // tried: any, or one holding the literal that the next node starts with.
+// Positions passed over count as steps of the match.
 const char* RepeatCandidate(const char* from, const char* low, char nextch) {
   if (from < low) return nullptr;
-  for (const char* q = from;; --q) {
-    if (nextch == '\0' || *q == nextch) return q;
-    if (q == low) return nullptr;
-  }
+  if (nextch == '\0') return from;
+  const void* hit = memrchr(low, nextch, static_cast<size_t>(from - low) + 1);
+  const char* q = static_cast<const char*>(hit);
+  state.steps += static_cast<uint64_t>(from - (q != nullptr ? q : low));
+  return q;
+}
+
+// Lowers the failure floor of a STAR/PLUS run: the rest of the program fails
+// from every position in [q, end], given that it fails above q.
+void LowerFloor(const char* node, const char* save, const char* q) {
+  RunCache* run = RunOf(node);
+  if (run->start != nullptr && run->start <= save && save <= run->end && q <= run->floor)
+    run->floor = q;
 }
 
 char NextLiteral(const char* next) {
@@ -533,6 +544,7 @@ bool EnterRepeat(const char* scan, const char* next) {
     from = save + RegRepeat(Operand(scan));
   }
   const char* q = RepeatCandidate(from, low, nextch);
+  if (state.memoising) LowerFloor(scan, save, q != nullptr ? q + 1 : low);
   if (q == nullptr) {
     if (state.memoising) RememberFailure(scan, save);
     return false;
@@ -574,13 +586,12 @@ bool Backtrack(const char** scan) {
     const char* low = save + (Op(node) == PLUS ? 1 : 0);
     const char* next = RegNext(node);
     if (state.memoising) {
+      LowerFloor(node, save, q);
       RunCache* run = RunOf(node);
-      if (run->start != nullptr && run->start <= save && save <= run->end && q <= run->end) {
-        run->floor = std::min(run->floor, q);
-        q = run->floor;
-      }
+      if (run->start != nullptr && run->start <= save && save <= run->end) q = std::min(q, run->floor);
     }
     const char* candidate = q > low ? RepeatCandidate(q - 1, low, NextLiteral(next)) : nullptr;
+    if (state.memoising) LowerFloor(node, save, candidate != nullptr ? candidate + 1 : low);
     if (candidate != nullptr) {
       c.current = candidate;
       reginput = candidate;
