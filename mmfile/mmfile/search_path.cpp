@@ -218,10 +218,14 @@ int mmfile_find(const char* name, int type, char** out) {
     *out = strdup(name);
     return 0;
   }
-  const std::size_t size = strlen(found->dir) + strlen(name) + 2;
-  *out = static_cast<char*>(malloc(size));
+  // dir, "/", name
+  const std::size_t dir_length = strlen(found->dir);
+  const std::size_t name_length = strlen(name);
+  *out = static_cast<char*>(malloc(dir_length + name_length + 2));
   if (!*out) return -1;
-  snprintf(*out, size, "%s%s%s", found->dir, "/", name);
+  memcpy(*out, found->dir, dir_length);
+  (*out)[dir_length] = '/';
+  memcpy(*out + dir_length + 1, name, name_length + 1);
   return 0;
 }
 
