@@ -1,6 +1,7 @@
 // Value types shared by every preference interface: products that own a
 // preference file, value types, platforms, where a key was found, result
-// codes, and the handle that names an open store.
+// codes, and the handle that names an open store. The enumerations are int
+// wide so that any number a caller passes is a value that can be refused.
 #ifndef MMFILESHARED_MMPREF_MMPREF_TYPES_H
 #define MMFILESHARED_MMPREF_MMPREF_TYPES_H
 
@@ -8,7 +9,7 @@
 #include <string>
 
 // The products that own a preference file (base names in mmpref_locations.h).
-enum MMPREF_PRODUCTS {
+enum MMPREF_PRODUCTS : int {
   MMPREF_PAVANE = 0,
   MMPREF_HARROWMERE = 1,
   MMPREF_ORBELLE = 2,
@@ -28,7 +29,7 @@ enum MMPREF_PRODUCTS {
 };
 
 // Value types; a key's type is kept as the text of mmpref_type_text.
-enum MMPREF_TYPE {
+enum MMPREF_TYPE : int {
   MMPREF_TYPE_NONE = 0,  // "none": the key is absent
   MMPREF_TYPE_INT = 1,   // "int"
   MMPREF_TYPE_STRING = 2,  // "QString"
@@ -37,7 +38,7 @@ enum MMPREF_TYPE {
 };
 
 // Platforms a key may be limited to; keys carry ":os=" and the word.
-enum MMPREF_PLATFORM {
+enum MMPREF_PLATFORM : int {
   MMPREF_PLATFORM_NONE = 0,     // "none"
   MMPREF_PLATFORM_WINDOWS = 1,  // "windows"
   MMPREF_PLATFORM_LINUX = 2,    // "linux"
@@ -45,7 +46,7 @@ enum MMPREF_PLATFORM {
 };
 
 // Where a key was found through the fallback chain.
-enum MMPrefSource {
+enum MMPrefSource : int {
   MMPREF_SOURCE_USER = 0,          // the user's file of the product
   MMPREF_SOURCE_MACHINE = 1,       // the machine file
   MMPREF_SOURCE_INSTALLATION = 2,  // the installation (site) file
@@ -53,7 +54,7 @@ enum MMPrefSource {
 };
 
 // Result codes of every preference operation; code 5 is unused.
-enum MMpref_Err {
+enum MMpref_Err : int {
   MMPREF_SUCCESS = 0,
   MMPREF_FAILURE = 1,         // no store, a type conflict on set, no empty file made
   MMPREF_FALLBACK_VALUE = 2,  // value taken from the machine or installation file
