@@ -21,8 +21,8 @@ namespace {
 using morvellanth::mmfile_internal::failure;
 using morvellanth::mmfile_internal::is_absolute;
 
-// A relative path joined below the working directory is refused when it would
-// not fit this buffer of the original design.
+// A relative path joined below the working directory must fit this many
+// bytes, terminator included; longer joins are refused.
 constexpr std::size_t kJoinedPathBytes = 1024;
 
 // Makes `path` with 0777 less the umask; true on success, errno on failure.
