@@ -1,9 +1,6 @@
 # The route of the default handle to an embedded interpreter, tested by a
 # program that embeds the system's CPython. The library itself must not need
 # the interpreter's library: it finds the entry points at run time.
-if(EXISTS /usr/bin/python3 AND NOT Python3_EXECUTABLE)
-  set(Python3_EXECUTABLE /usr/bin/python3)
-endif()
 find_package(Python3 REQUIRED COMPONENTS Interpreter Development.Embed)
 mmfs_add_gtest(python_redirect_test ${CMAKE_CURRENT_LIST_DIR}/python_redirect_embed.cpp
                LIBS mmfs_testsupport Python3::Python)
