@@ -18,6 +18,11 @@ extern "C" int mm_number_type(const char* text) {
   std::from_chars_result as_int = std::from_chars(first, last, integer);
   if (as_int.ec == std::errc() && as_int.ptr == last) return MMTOKEN_INTEGER;
 
+  // The general format has no hexadecimal form: after "0" an x ends the
+  // number, so such a text is never consumed whole.
+  const char* digits = first[0] == '-' ? first + 1 : first;
+  if (digits[0] == '0' && (digits[1] == 'x' || digits[1] == 'X')) return MMTOKEN_NOT_A_NUMBER;
+
   double real;
   absl::from_chars_result as_real =
       absl::from_chars(first, last, real, absl::chars_format::general);
