@@ -31,9 +31,16 @@ struct SharedPreferenceState {
   // Stores opened past the lock and the creation of the user's file and not
   // yet destroyed.
   std::atomic<int> nactivehandles{0};
+  // Set for good once a file read in this process carried an "os" attribute
+  // or a store wrote a platform key. Keys get a platform suffix only these two
+  // ways, so while it is clear lookups skip the probe for one.
+  std::atomic<bool> platform_keys_seen{false};
 };
 
 SharedPreferenceState& shared_state();
+
+inline void note_platform_keys() { shared_state().platform_keys_seen.store(true, std::memory_order_relaxed); }
+inline bool platform_keys_seen() { return shared_state().platform_keys_seen.load(std::memory_order_relaxed); }
 
 // Counts one store out; the last one drops the fallback stores.
 void release_active_handle();

@@ -32,6 +32,20 @@ const QString& runningSuffix() {
   return suffix;
 }
 
+// The stored forms of a key, in lookup order: the running platform's, when
+// any store may hold one, then the plain key.
+struct LookupForms {
+  QString forms[2];
+  int count;
+  const QString* begin() const { return forms; }
+  const QString* end() const { return forms + count; }
+};
+
+LookupForms lookupForms(const QString& key) {
+  if (!platform_keys_seen()) return {{key, QString()}, 1};
+  return {{key + runningSuffix(), key}, 2};
+}
+
 MMPREF_TYPE typeOf(const QVariantMap& entry) {
   const QString text = entry.value(kTypeMember).toString();
   if (text == QLatin1String("int")) return MMPREF_TYPE_INT;
@@ -90,12 +104,20 @@ struct FallbackLevel {
   MMPrefSource source;
 };
 
-std::vector<FallbackLevel> fallbackLevels() {
+struct FallbackLevels {
+  FallbackLevel levels[2];
+  int count = 0;
+  const FallbackLevel* begin() const { return levels; }
+  const FallbackLevel* end() const { return levels + count; }
+};
+
+FallbackLevels fallbackLevels() {
   const SharedPreferenceState& state = shared_state();
-  std::vector<FallbackLevel> levels;
-  if (state.first_level_settings) levels.push_back({state.first_level_settings, MMPREF_SOURCE_MACHINE});
-  if (state.second_level_settings) levels.push_back({state.second_level_settings, MMPREF_SOURCE_INSTALLATION});
-  return levels;
+  FallbackLevels chain;
+  if (state.first_level_settings) chain.levels[chain.count++] = {state.first_level_settings, MMPREF_SOURCE_MACHINE};
+  if (state.second_level_settings)
+    chain.levels[chain.count++] = {state.second_level_settings, MMPREF_SOURCE_INSTALLATION};
+  return chain;
 }
 
 // The keys below `group` of a fallback store, which itself stays at the root.
@@ -123,7 +145,7 @@ int MMPREF::validate_key(const QString& key) {
 
 bool MMPREF::userEntry(const QString& key, QString* storedKey, QVariantMap* entry) const {
   if (!settings_) return false;
-  for (const QString& candidate : {key + runningSuffix(), key}) {
+  for (const QString& candidate : lookupForms(key)) {
     const QVariant value = settings_->value(candidate);
     if (!value.isValid()) continue;
     if (storedKey) *storedKey = candidate;
@@ -139,7 +161,7 @@ MMPrefSource MMPREF::lookup(const QString& key, QVariantMap* entry) const {
   const QString group = settings_ ? settings_->group() : QString();
   const QString full = group.isEmpty() ? key : group + u'/' + key;
   for (const FallbackLevel& level : fallbackLevels()) {
-    for (const QString& candidate : {full + runningSuffix(), full}) {
+    for (const QString& candidate : lookupForms(full)) {
       const QVariant value = level.settings->value(candidate);
       if (!value.isValid()) continue;
       *entry = value.toMap();
@@ -276,6 +298,7 @@ MMpref_Err MMPREF::set(const std::string& key, QVariant value, const std::string
     return MMPREF_FAILURE;
   }
 
+  if (platform_ != MMPREF_PLATFORM_NONE) note_platform_keys();
   const QString stored = platform_ == MMPREF_PLATFORM_NONE ? name : name + platformSuffix(platform_);
   QVariantMap entry = settings_->value(stored).toMap();
   entry.insert(kTypeMember, QString::fromLatin1(type));
@@ -309,7 +332,7 @@ MMpref_Err MMPREF::removeKey(const std::string& key, MMPREF_TYPE type) {
     return present ? MMPREF_SUCCESS : MMPREF_NOT_FOUND;
   }
   bool present = false;
-  for (const QString& candidate : {name + runningSuffix(), name}) {
+  for (const QString& candidate : lookupForms(name)) {
     const QVariant value = settings_->value(candidate);
     if (!value.isValid()) continue;
     present = true;

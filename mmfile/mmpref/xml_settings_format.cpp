@@ -9,6 +9,8 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+#include "mmpref/mmpref_state_internal.h"
+
 namespace {
 
 const QString kRootElement = QStringLiteral("ApplicationSettings");
@@ -16,18 +18,20 @@ const QString kValueMember = QStringLiteral("value");
 const QString kCommentMember = QStringLiteral("comment");
 const QString kPlatformAttribute = QStringLiteral("os");
 
-// The element names open while reading, kept as the settings key they spell
-// ("panel/width:os=linux") so that a key costs no join.
+// The element names open while reading, kept joined as the settings key they
+// spell ("panel/width:os=linux"). Keys are handed out as copies, so the path
+// is never shared and keeps its capacity.
 class ElementPath {
  public:
   bool isEmpty() const { return starts_.isEmpty(); }
-  const QString& key() const { return joined_; }
+  QString key() const { return QString(joined_.constData(), joined_.size()); }
 
-  void push(const QString& name) {
+  void push(QStringView name) {
     if (!starts_.isEmpty()) joined_ += u'/';
     starts_.append(joined_.size());
     joined_ += name;
   }
+  void extendTop(QStringView text) { joined_ += text; }
 
   // The innermost name, platform suffix included.
   QStringView top() const { return QStringView(joined_).mid(starts_.last()); }
@@ -41,6 +45,16 @@ class ElementPath {
   QString joined_;
   QList<qsizetype> starts_;
 };
+
+// Attribute names and type texts repeat in every entry: one shared copy of
+// each spares an allocation per key.
+QString sharedText(QStringView text) {
+  static const QString common[] = {QStringLiteral("dt"), QStringLiteral("int"), QStringLiteral("QString"),
+                                   QStringLiteral("double"), QStringLiteral("bool")};
+  for (const QString& known : common)
+    if (text == known) return known;
+  return text.toString();
+}
 
 QSettings::Format registeredFormat() {
   static const QSettings::Format format =
@@ -71,15 +85,17 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
       case QXmlStreamReader::StartElement: {
         attributes.clear();
         if (xml.name() == kRootElement) break;
-        QString name = xml.name().toString();
-        for (const QXmlStreamAttribute& attribute : xml.attributes()) {
+        path.push(xml.name());
+        const QXmlStreamAttributes elementAttributes = xml.attributes();
+        for (const QXmlStreamAttribute& attribute : elementAttributes) {
           if (attribute.name() == kPlatformAttribute) {
-            name += u':';
-            name += attribute.name();
-            name += u'=';
-            name += attribute.value();
+            path.extendTop(u":");
+            path.extendTop(attribute.name());
+            path.extendTop(u"=");
+            path.extendTop(attribute.value());
+            morvellanth::preferences::internal::note_platform_keys();
           } else {
-            attributes.insert(attribute.name().toString(), attribute.value().toString());
+            attributes.insert(sharedText(attribute.name()), sharedText(attribute.value()));
           }
         }
         // A comment belongs to the element right after it; on a group element
@@ -88,14 +104,13 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
           attributes.insert(kCommentMember, pendingComment);
           pendingComment.clear();
         }
-        path.push(name);
         break;
       }
 
       case QXmlStreamReader::EndElement: {
         if (xml.name() == kRootElement || path.isEmpty()) break;
         const QStringView stacked = path.top();
-        if (stacked.split(u':').first() != xml.name())
+        if (stacked.left(stacked.indexOf(u':')) != xml.name())
           qWarning() << "! Error, this endElement was" << xml.name().toString() << ", not"
                      << stacked.toString();
         path.pop();
@@ -107,7 +122,8 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
         // the root belongs to no key.
         if (xml.text().trimmed().isEmpty() || path.isEmpty()) break;
         attributes.insert(kValueMember, xml.text().toString());
-        map.insert(path.key(), attributes);
+        // Written files are in key order: the end is the right place to try.
+        map.insert(map.cend(), path.key(), attributes);
         break;
       }
 
