@@ -42,6 +42,7 @@ TEST_F(MMprefFallbackTest, KeyOnlyInTheInstallationFileIsAFallbackValue) {
   EXPECT_EQ(err, MMPREF_FALLBACK_VALUE);
   EXPECT_EQ(store.getKeySource("site/docs"), MMPREF_SOURCE_INSTALLATION);
   EXPECT_FALSE(store.hasKey("site/docs"));
+  EXPECT_EQ(store.getType("site/untyped"), MMPREF_TYPE_BOOL) << "a missing type reads as bool";
 }
 
 TEST_F(MMprefFallbackTest, EachLevelHidesTheOnesBelow) {
@@ -61,18 +62,12 @@ TEST_F(MMprefFallbackTest, EachLevelHidesTheOnesBelow) {
   EXPECT_EQ(err, MMPREF_NOT_FOUND);
 }
 
-TEST_F(MMprefFallbackTest, RunningPlatformKeyWinsInAFallbackFile) {
-  MMPREF store(MMPREF_PAVANE, false);
-  MMpref_Err err;
-  EXPECT_EQ(store.get<double>("display/scale", &err), 1.5);
-  EXPECT_EQ(err, MMPREF_SUCCESS);
-}
-
-TEST_F(MMprefFallbackTest, OpenGroupAppliesToTheFallbackFiles) {
+TEST_F(MMprefFallbackTest, OpenGroupAndRunningPlatformApplyToTheFallbackFiles) {
   MMPREF store(MMPREF_PAVANE, false);
   ASSERT_EQ(store.beginGroup("display"), MMPREF_SUCCESS);
   MMpref_Err err;
   EXPECT_EQ(store.get<QString>("theme", &err), "dark");
+  EXPECT_EQ(store.get<double>("scale", &err), 1.5);
   EXPECT_EQ(store.get<int>("fonts", &err), 12);
   EXPECT_EQ(store.getKeySource("fonts"), MMPREF_SOURCE_INSTALLATION);
   std::map<std::string, MMPREF_TYPE> keys;
@@ -82,11 +77,6 @@ TEST_F(MMprefFallbackTest, OpenGroupAppliesToTheFallbackFiles) {
                                                         {"scale:os=linux", MMPREF_TYPE_DOUBLE},
                                                         {"theme", MMPREF_TYPE_STRING}};
   EXPECT_EQ(keys, expected);
-}
-
-TEST_F(MMprefFallbackTest, MissingTypeAttributeReadsAsBool) {
-  MMPREF store(MMPREF_PAVANE, false);
-  EXPECT_EQ(store.getType("site/untyped"), MMPREF_TYPE_BOOL);
 }
 
 TEST_F(MMprefFallbackTest, ListOfAGroupFoundOnlyInTheMachineFile) {
