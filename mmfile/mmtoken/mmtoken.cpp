@@ -12,6 +12,14 @@
 #include "mmtoken/mmtoken.h"
 #include "mmtoken/mmtoken_internal.h"
 
+// A block of token text; tokens are appended at `used`.
+struct TokenSlab {
+  TokenSlab* next;
+  std::size_t capacity;
+  std::size_t used;
+  char* data() { return reinterpret_cast<char*>(this + 1); }
+};
+
 namespace morvellanth::mmtoken {
 namespace {
 
@@ -91,8 +99,35 @@ void FreePatterns(token_tag* list) {
   list->regex_count = 0;
 }
 
+constexpr std::size_t kFirstSlab = 256;
+constexpr std::size_t kLargestSlab = std::size_t{1} << 20;
+
+// Copies a token into the list's newest slab, starting a larger one when it
+// does not fit. Null when memory runs out.
+char* StoreText(token_tag* list, std::string_view token) {
+  std::size_t need = token.size() + 1;
+  TokenSlab* slab = list->slabs;
+  if (slab == nullptr || slab->capacity - slab->used < need) {
+    std::size_t capacity = slab == nullptr ? kFirstSlab : std::min(slab->capacity * 2, kLargestSlab);
+    capacity = std::max(capacity, need);
+    TokenSlab* grown = static_cast<TokenSlab*>(std::malloc(sizeof(TokenSlab) + capacity));
+    if (grown == nullptr) return nullptr;
+    *grown = TokenSlab{slab, capacity, 0};
+    list->slabs = slab = grown;
+  }
+  char* text = slab->data() + slab->used;
+  std::memcpy(text, token.data(), token.size());
+  text[token.size()] = '\0';
+  slab->used += need;
+  return text;
+}
+
 void FreeTokens(token_tag* list) {
-  for (int i = 0; i < list->count; i++) std::free(list->tokens[i]);
+  while (list->slabs != nullptr) {
+    TokenSlab* next = list->slabs->next;
+    std::free(list->slabs);
+    list->slabs = next;
+  }
   list->count = 0;
 }
 
@@ -194,13 +229,11 @@ int AppendToken(token_tag* list, std::string_view token) {
       list->allocated = want;
     }
   }
-  char* copy = static_cast<char*>(std::malloc(token.size() + 1));
+  char* copy = StoreText(list, token);
   if (copy == nullptr) {
     mmerr_throw(-1, MMERR_LEVEL_FATAL, kExpandMessage);
     return -1;
   }
-  std::memcpy(copy, token.data(), token.size());
-  copy[token.size()] = '\0';
   list->tokens[list->count++] = copy;
   return 0;
 }
@@ -292,9 +325,16 @@ char* mmtoken_get_token(int handle, int index) {
 int mmtoken_replace(int handle, int index, const char* token) {
   token_tag* list = Checked(handle, kReplace);
   if (list == nullptr || !IndexValid(*list, index, kReplace)) return -1;
-  char* copy = strdup(token != nullptr ? token : "");
+  std::string_view text = token != nullptr ? token : "";
+  char* old = list->tokens[index];
+  if (text.size() <= std::strlen(old)) {
+    // The old token's room is enough; the old text is not kept either way.
+    std::memmove(old, text.data(), text.size());
+    old[text.size()] = '\0';
+    return 0;
+  }
+  char* copy = StoreText(list, text);
   if (copy == nullptr) return -1;
-  std::free(list->tokens[index]);
   list->tokens[index] = copy;
   return 0;
 }
@@ -302,7 +342,6 @@ int mmtoken_replace(int handle, int index, const char* token) {
 int mmtoken_delete_token(int handle, int index) {
   token_tag* list = Checked(handle, kDeleteToken);
   if (list == nullptr || !IndexValid(*list, index, kDeleteToken)) return -1;
-  std::free(list->tokens[index]);
   std::memmove(list->tokens + index, list->tokens + index + 1,
                static_cast<std::size_t>(list->count - index - 1) * sizeof(char*));
   list->count--;

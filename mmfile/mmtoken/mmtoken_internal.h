@@ -9,10 +9,15 @@
 
 #include "mmtoken/regexp.h"
 
+// Storage for the text of a list's tokens; see token_tag.
+struct TokenSlab;
+
 // One token list. Invariants: 0 <= count <= capacity <= allocated; every
-// slot below count holds a malloc'ed string owned by the list; regex_count is
-// 0 or the count at the last mmtoken_regex_compile, and regexes holds that
-// many patterns (a slot may be null).
+// slot below count holds a NUL-terminated string inside one of the list's
+// slabs (tokens are packed into a few large blocks instead of one allocation
+// each; a token's space is given back when the list is cleared or deleted);
+// regex_count is 0 or the count at the last mmtoken_regex_compile, and
+// regexes holds that many patterns (a slot may be null).
 struct token_tag {
   int capacity;             // slots the list has grown to, in steps of 20
   char** tokens;            // the tokens, positions 0 .. count-1
@@ -23,6 +28,7 @@ struct token_tag {
   char* quoted_characters;  // owned; " " when the list is made
   int allocated;            // slots really allocated in tokens: grows
                             // geometrically so long lists append in linear time
+  TokenSlab* slabs;         // owned, newest first
 };
 
 namespace morvellanth::mmtoken {

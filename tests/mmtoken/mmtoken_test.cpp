@@ -162,6 +162,20 @@ TEST(TokenListEdit, ReplaceStoresACopy) {
   EXPECT_EQ(list.tokens(), (Tokens{"a", "beta", "c"}));
 }
 
+TEST(TokenListEdit, ReplaceWithLongerShorterAndTheListsOwnTokens) {
+  List list("abc de f");
+  int h = list.handle();
+  EXPECT_EQ(mmtoken_replace(h, 2, "a much longer token"), 0);
+  EXPECT_EQ(mmtoken_replace(h, 0, "x"), 0);
+  EXPECT_EQ(mmtoken_replace(h, 1, mmtoken_get_token(h, 1)), 0);
+  EXPECT_EQ(mmtoken_replace(h, 0, mmtoken_get_token(h, 2)), 0);
+  EXPECT_EQ(mmtoken_replace(h, 1, mmtoken_get_token(h, 0)), 0);
+  EXPECT_EQ(list.tokens(),
+            (Tokens{"a much longer token", "a much longer token", "a much longer token"}));
+  for (int i = 0; i < 1000; i++) mmtoken_replace(h, 1, std::string(i % 50, 'r').c_str());
+  EXPECT_EQ(mmtoken_get_token(h, 1), std::string(49, 'r'));
+}
+
 TEST(TokenListEdit, DeleteTokenClosesTheGap) {
   List list("a b c d");
   EXPECT_EQ(mmtoken_delete_token(list.handle(), 1), 0);
