@@ -56,21 +56,28 @@ TEST(TokenListLifecycle, NullOrEmptyLineMakesALiveEmptyList) {
 }
 
 TEST(TokenListLifecycle, ReusesTheHighestFreeRecord) {
-  // A fresh process, so that the table starts empty.
+  // In a child, so that the lists made here outlive nothing else.
   mmfs_test::ChildResult child = mmfs_test::RunInChild([] {
-    int h[6];
-    for (int i = 0; i < 3; i++) mmtoken_new(&h[i], "x", nullptr, nullptr, nullptr, nullptr, nullptr);
-    if (h[0] != 0 || h[1] != 1 || h[2] != 2) return 1;
-    mmtoken_delete(0);
-    mmtoken_delete(2);
-    mmtoken_new(&h[3], nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    mmtoken_new(&h[4], nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    mmtoken_new(&h[5], nullptr, nullptr, nullptr, nullptr, nullptr, nullptr);
-    if (h[3] != 2 || h[4] != 0 || h[5] != 3) return 2;
+    auto make = [] {
+      int handle;
+      mmtoken_new(&handle, "x", nullptr, nullptr, nullptr, nullptr, nullptr);
+      return handle;
+    };
+    // First use up the records that earlier lists of this process left free.
+    int records = morvellanth::mmtoken::RecordCount();
+    int base = make();
+    while (morvellanth::mmtoken::RecordCount() == records) base = make();
+    if (base != records) return 1;
+    if (make() != base + 1 || make() != base + 2) return 2;
+    mmtoken_delete(base);
+    mmtoken_delete(base + 2);
+    if (make() != base + 2 || make() != base || make() != base + 3) return 3;
     // A reused record starts empty, with the default quoted set.
-    if (mmtoken_num(2) != 0 || std::strcmp(morvellanth::mmtoken::RecordAt(2)->quoted_characters, " "))
-      return 3;
-    return morvellanth::mmtoken::RecordCount() == 4 ? 0 : 4;
+    mmtoken_delete(base + 1);
+    if (make() != base + 1 || mmtoken_num(base + 1) != 1) return 4;
+    if (std::strcmp(morvellanth::mmtoken::RecordAt(base + 1)->quoted_characters, " ") != 0)
+      return 5;
+    return morvellanth::mmtoken::RecordCount() == base + 4 ? 0 : 6;
   });
   EXPECT_TRUE(child.exited);
   EXPECT_EQ(child.exit_code, 0) << child.err;
