@@ -368,7 +368,8 @@ struct RunCache {
 // their capacity between matches; the memo lives for one mm_regexec.
 struct MatchState {
   const char* program = nullptr;  // the program being run (after the magic byte is program - 1)
-  const char* subject_end = nullptr;
+  const char* subject_end = nullptr;  // found when first needed
+  bool slots_dirty = false;           // a group slot was written since last cleared
   std::vector<Choice> choices;
   std::vector<TrailEntry> trail;
 
@@ -389,7 +390,25 @@ constexpr uint64_t kBudgetPerByte = 16;
 constexpr uint64_t kMaxMemoBits = uint64_t{1} << 28;
 constexpr size_t kKeptChoices = size_t{1} << 16;
 
+void StartMemoising();
+
 uint16_t Offset(const char* node) { return static_cast<uint16_t>(node - state.program); }
+
+const char* SubjectEnd() {
+  if (state.subject_end == nullptr) state.subject_end = regbol + std::strlen(regbol);
+  return state.subject_end;
+}
+
+// Called when the steps pass the budget: a long subject earns a larger one
+// before failures are remembered.
+void BudgetSpent() {
+  uint64_t allowed = kBaseBudget + kBudgetPerByte * static_cast<uint64_t>(SubjectEnd() - regbol);
+  if (state.steps <= allowed) {
+    state.budget = allowed;
+    return;
+  }
+  StartMemoising();
+}
 
 void StartMemoising() {
   state.memoising = true;
@@ -406,7 +425,7 @@ void StartMemoising() {
     p += kNodeHeader;
     if (op == EXACTLY || op == ANYOF || op == ANYBUT) p += std::strlen(p) + 1;
   }
-  state.positions = static_cast<size_t>(state.subject_end - regbol) + 1;
+  state.positions = static_cast<size_t>(SubjectEnd() - regbol) + 1;
   uint64_t bits = static_cast<uint64_t>(count) * state.positions;
   state.use_set = bits > kMaxMemoBits;
   if (!state.use_set) state.failed_bits.assign((bits + 63) / 64, 0);
@@ -458,7 +477,7 @@ size_t RegRepeat(const char* p) {
   const char* opnd = Operand(p);
   switch (Op(p)) {
     case ANY:
-      scan = state.subject_end;
+      scan = SubjectEnd();
       break;
     case EXACTLY:
       while (*opnd == *scan) scan++;
@@ -504,6 +523,7 @@ char NextLiteral(const char* next) {
 }
 
 void RecordGroup(const char** slot) {
+  state.slots_dirty = true;
   if (!state.choices.empty()) state.trail.push_back({slot, *slot});
   *slot = reginput;
 }
@@ -614,7 +634,7 @@ int RegMatch(const char* start) {
       mm_regerror("corrupted pointers");
       ok = false;
     } else {
-      if (!state.memoising && ++state.steps > state.budget) StartMemoising();
+      if (!state.memoising && ++state.steps > state.budget) BudgetSpent();
       const char* next = RegNext(scan);
       unsigned char op = Op(scan);
       switch (op) {
@@ -697,15 +717,17 @@ int RegMatch(const char* start) {
   }
 }
 
-// Tries a match starting exactly at `string`.
+void ClearSlots(regexp* prog) {
+  std::memset(prog->startp, 0, sizeof prog->startp);
+  std::memset(prog->endp, 0, sizeof prog->endp);
+  state.slots_dirty = false;
+}
+
+// Tries a match starting exactly at `string`; the slots are clear on entry.
 int RegTry(regexp* prog, const char* string) {
   reginput = string;
   regstartp = prog->startp;
   regendp = prog->endp;
-  for (int i = 0; i < NSUBEXP; i++) {
-    prog->startp[i] = nullptr;
-    prog->endp[i] = nullptr;
-  }
   state.choices.clear();
   state.trail.clear();
   if (RegMatch(state.program)) {
@@ -714,10 +736,7 @@ int RegTry(regexp* prog, const char* string) {
     return 1;
   }
   // Records made before the first choice point are never undone.
-  for (int i = 0; i < NSUBEXP; i++) {
-    prog->startp[i] = nullptr;
-    prog->endp[i] = nullptr;
-  }
+  if (state.slots_dirty) ClearSlots(prog);
   return 0;
 }
 
@@ -733,7 +752,14 @@ int RegExecute(regexp* prog, const char* string) {
   }
 
   regbol = string;
-  if (prog->reganch) return RegTry(prog, string);
+  if (prog->reganch) {
+    // Most subjects of an anchored pattern already differ in the literal
+    // that follows the ^.
+    const char* first = Operand(prog->program + 1);  // BOL, in the only BRANCH
+    const char* next = RegNext(first);
+    if (next != nullptr && Op(next) == EXACTLY && *Operand(next) != *string) return 0;
+    return RegTry(prog, string);
+  }
 
   const char* s = string;
   if (prog->regstart != '\0') {
@@ -832,11 +858,11 @@ extern "C" int mm_regexec(regexp* prog, const char* string) {
     return 0;
   }
 
-  size_t length = std::strlen(string);
   state.program = prog->program + 1;
-  state.subject_end = string + length;
+  state.subject_end = nullptr;
   state.steps = 0;
-  state.budget = kBaseBudget + kBudgetPerByte * length;
+  state.budget = kBaseBudget;
+  ClearSlots(prog);
   int result = RegExecute(prog, string);
   StopMemoising();
   if (state.choices.capacity() > kKeptChoices) {
