@@ -120,12 +120,16 @@ FallbackLevels fallbackLevels() {
   return chain;
 }
 
-// The keys below `group` of a fallback store, which itself stays at the root.
-QStringList keysBelow(QSettings& settings, const QString& group) {
-  settings.beginGroup(group);
-  const QStringList keys = settings.allKeys();
-  settings.endGroup();
-  return keys;
+// The keys below `group` (relative to the store's current group). The store's
+// group is left alone: the fallback stores are shared by every store.
+QStringList keysBelow(const QSettings& settings, const QString& group) {
+  const QStringList all = settings.allKeys();
+  if (group.isEmpty()) return all;
+  const QString prefix = group + u'/';
+  QStringList below;
+  for (const QString& key : all)
+    if (key.startsWith(prefix)) below.append(key.mid(prefix.size()));
+  return below;
 }
 
 }  // namespace
@@ -143,12 +147,11 @@ int MMPREF::validate_key(const QString& key) {
   return MMPREF_SUCCESS;
 }
 
-bool MMPREF::userEntry(const QString& key, QString* storedKey, QVariantMap* entry) const {
+bool MMPREF::userEntry(const QString& key, QVariantMap* entry) const {
   if (!settings_) return false;
   for (const QString& candidate : lookupForms(key)) {
     const QVariant value = settings_->value(candidate);
     if (!value.isValid()) continue;
-    if (storedKey) *storedKey = candidate;
     if (entry) *entry = value.toMap();
     return true;
   }
@@ -156,7 +159,7 @@ bool MMPREF::userEntry(const QString& key, QString* storedKey, QVariantMap* entr
 }
 
 MMPrefSource MMPREF::lookup(const QString& key, QVariantMap* entry) const {
-  if (userEntry(key, nullptr, entry)) return MMPREF_SOURCE_USER;
+  if (userEntry(key, entry)) return MMPREF_SOURCE_USER;
   // The fallback stores stay at the root: the current group goes in front.
   const QString group = settings_ ? settings_->group() : QString();
   const QString full = group.isEmpty() ? key : group + u'/' + key;
@@ -224,9 +227,9 @@ MMpref_Err MMPREF::get_list(const std::string& group, std::map<std::string, List
   }
   std::set<QString> names;
   for (const QString& key : keys) names.insert(key.section(u':', 0, 0));
+  // Each name is read through the chain; only a value of type T comes out.
   for (const QString& name : names) {
     const QByteArray utf8 = name.toUtf8();
-    if (getType(utf8.toStdString()) != ValueType<T>::type) continue;
     MMpref_Err code;
     const T value = get<T>(utf8.constData(), &code);
     if (code == MMPREF_SUCCESS) out[utf8.toStdString()] = listValue(value);
@@ -248,27 +251,25 @@ MMPrefSource MMPREF::getKeySource(const char* key) const {
 
 void MMPREF::listKeys(std::map<std::string, MMPREF_TYPE>& out) const {
   if (!settings_) return;
-  const auto add = [&out](QSettings& settings, const QStringList& keys) {
-    for (const QString& key : keys) out.emplace(key.toStdString(), typeOf(settings.value(key).toMap()));
-  };
-  add(*settings_, settings_->allKeys());
-  // Fallback keys are found under the full path and reported below the group.
+  for (const QString& key : settings_->allKeys())
+    out.emplace(key.toStdString(), typeOf(settings_->value(key).toMap()));
+  // The fallback stores stay at the root: their keys are read below the group.
   const QString group = settings_->group();
+  const QString prefix = group.isEmpty() ? QString() : group + u'/';
   for (const FallbackLevel& level : fallbackLevels()) {
-    level.settings->beginGroup(group);
-    add(*level.settings, level.settings->allKeys());
-    level.settings->endGroup();
+    for (const QString& key : keysBelow(*level.settings, group))
+      out.emplace(key.toStdString(), typeOf(level.settings->value(prefix + key).toMap()));
   }
 }
 
 bool MMPREF::hasKey(const std::string& key) const {
-  return userEntry(QString::fromStdString(key), nullptr, nullptr);
+  return userEntry(QString::fromStdString(key), nullptr);
 }
 
 MMpref_Err MMPREF::hasKey(const std::string& key, MMPREF_TYPE type) const {
   if (type == MMPREF_TYPE_NONE) return MMPREF_FAILURE;
   QVariantMap entry;
-  if (!userEntry(QString::fromStdString(key), nullptr, &entry)) return MMPREF_NOT_FOUND;
+  if (!userEntry(QString::fromStdString(key), &entry)) return MMPREF_NOT_FOUND;
   return entry.value(kTypeMember).toString() == QLatin1String(mmpref_type_text(type)) ? MMPREF_SUCCESS
                                                                                       : MMPREF_FAILURE;
 }

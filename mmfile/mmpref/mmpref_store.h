@@ -136,8 +136,8 @@ class MMPREF {
  private:
   // Finds a key through the chain; fills `entry` with its attribute map.
   MMPrefSource lookup(const QString& key, QVariantMap* entry) const;
-  // The user settings' entry of the key (running platform's first) or none.
-  bool userEntry(const QString& key, QString* storedKey, QVariantMap* entry) const;
+  // Finds the key (running platform's form first) in the user settings.
+  bool userEntry(const QString& key, QVariantMap* entry) const;
   template <typename T>
   T read(const char* key, MMpref_Err* err, MMPrefSource* source) const;
 
