@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QWriteLocker>
 
+#include <stdexcept>
+
 #include "mmerr/mmerr.h"
 #include "mmfile/mmfile.h"
 #include "mmpref/mmpref_locations.h"
