@@ -61,6 +61,8 @@ QString sandboxBase() {
 
 int mmpref_product_count() { return static_cast<int>(PRODUCTS.size()); }
 
+std::string mmpref_product_name(MMPREF_PRODUCTS product) { return PRODUCTS.at(product).toStdString(); }
+
 std::string get_mmpref_directory(const std::string& release) {
   QString base;
   if (compare_releases(release, kLastHomeRelease) < 1) {

@@ -21,6 +21,9 @@ namespace morvellanth::preferences::internal {
 
 // The number of products that own a file; valid products are 0 to this - 1.
 int mmpref_product_count();
+// The product's base file name ("Pavane", "Panoply", ...); std::out_of_range
+// for an unknown product.
+std::string mmpref_product_name(MMPREF_PRODUCTS product);
 
 // The directory of one release's files: releases up to "2017-1" under the
 // sandbox or home directory's ".morvellanth", later ones under

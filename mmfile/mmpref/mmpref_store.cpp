@@ -48,9 +48,8 @@ LookupForms lookupForms(const QString& key) {
 
 MMPREF_TYPE typeOf(const QVariantMap& entry) {
   const QString text = entry.value(kTypeMember).toString();
-  if (text == QLatin1String("int")) return MMPREF_TYPE_INT;
-  if (text == QLatin1String("QString")) return MMPREF_TYPE_STRING;
-  if (text == QLatin1String("double")) return MMPREF_TYPE_DOUBLE;
+  for (MMPREF_TYPE type : {MMPREF_TYPE_INT, MMPREF_TYPE_STRING, MMPREF_TYPE_DOUBLE})
+    if (text == QLatin1String(mmpref_type_text(type))) return type;
   // Any other or a missing type text reads as bool.
   return MMPREF_TYPE_BOOL;
 }
@@ -133,6 +132,18 @@ QStringList keysBelow(const QSettings& settings, const QString& group) {
 }
 
 }  // namespace
+
+bool MMPREF::valueConverts(const QVariant& value, MMPREF_TYPE type) {
+  bool ok = false;
+  switch (type) {
+    case MMPREF_TYPE_INT: ValueType<int>::convert(value, &ok); break;
+    case MMPREF_TYPE_DOUBLE: ValueType<double>::convert(value, &ok); break;
+    case MMPREF_TYPE_BOOL: ValueType<bool>::convert(value, &ok); break;
+    case MMPREF_TYPE_STRING: ValueType<QString>::convert(value, &ok); break;
+    default: break;
+  }
+  return ok;
+}
 
 int MMPREF::validate_key(const QString& key) {
   for (const QString& part : key.split(u'/')) {

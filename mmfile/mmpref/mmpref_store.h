@@ -112,6 +112,9 @@ class MMPREF {
   // 0 when every "/"-separated part of `key` is an XML name; otherwise 10,
   // after a level-4 message on error handle -1 naming the first bad part.
   static int validate_key(const QString& key);
+  // Whether a stored value (text, as read from a file) converts to `type` the
+  // way get<T> converts it.
+  static bool valueConverts(const QVariant& value, MMPREF_TYPE type);
 
   // Convenience forms: the same codes as get<T> and get_or_use_value<T>.
   MMpref_Err getInt(const std::string& key, int* value);

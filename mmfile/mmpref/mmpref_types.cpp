@@ -1,6 +1,7 @@
 // Texts of the preference enumerations and result codes.
 #include "mmpref/mmpref_types.h"
 
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -30,6 +31,12 @@ std::string format_error(int code) {
 
 const char* mmpref_type_text(MMPREF_TYPE type) {
   return type >= 0 && type < static_cast<int>(std::size(kTypeTexts)) ? kTypeTexts[type] : kTypeTexts[0];
+}
+
+MMPREF_TYPE mmpref_type_from_text(const char* text) {
+  for (int type = MMPREF_TYPE_INT; type < static_cast<int>(std::size(kTypeTexts)); ++type)
+    if (std::strcmp(text, kTypeTexts[type]) == 0) return static_cast<MMPREF_TYPE>(type);
+  return MMPREF_TYPE_NONE;
 }
 
 const char* mmpref_platform_word(MMPREF_PLATFORM platform) {

@@ -80,6 +80,9 @@ std::string format_error(int code);
 // "double", "bool"; "none" for values outside the enumeration.
 const char* mmpref_type_text(MMPREF_TYPE type);
 
+// The type whose text is exactly `text`; 0 (none) for any other text.
+MMPREF_TYPE mmpref_type_from_text(const char* text);
+
 // The platform word: "none", "windows", "linux", "darwin"; "none" for values
 // outside the enumeration.
 const char* mmpref_platform_word(MMPREF_PLATFORM platform);
