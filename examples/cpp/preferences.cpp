@@ -28,7 +28,7 @@ int main() {
   {
     morvellanth::mmlibs::CaptureMMErr capture(-1);
     if (prefs.MMPREF::set("2nd try", QVariant(1), "") != MMPREF_SUCCESS)
-      std::cout << capture.addMessagesAsDetails("could not store '2nd try'");
+      std::cout << capture.addMessagesAsDetails("could not store '2nd try'") << "\n";
   }
 
   std::string file;

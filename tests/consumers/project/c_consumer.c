@@ -1,8 +1,9 @@
-/* A C program using the installed library: error handles. */
+/* A C program using the installed library: error handles and token lists. */
 #include <stdio.h>
 #include <string.h>
 
 #include "mmerr/mmerr.h"
+#include "mmtoken/mmtoken.h"
 
 int main(void) {
   int handle;
@@ -12,6 +13,11 @@ int main(void) {
   mmerr_maxlevel(handle, &worst);
   if (strcmp(mmerr_return_code(worst), "MMERR_WARNING") != 0) return 2;
   mmerr_delete(handle);
+
+  int list;
+  mmtoken_new(&list, "ATOM 1 C 0.5", NULL, NULL, NULL, NULL, NULL);
+  if (mmtoken_num(list) != 4 || strcmp(mmtoken_get_token(list, 2), "C") != 0) return 3;
+  mmtoken_delete(list);
   puts("c consumer ok");
   return 0;
 }
