@@ -1,5 +1,7 @@
-// Several real processes writing, killing and repairing one preference file.
+// Real processes locking, writing, killing and repairing one preference file,
+// on the MD5-named lock files.
 #include "mmpref/mmpref.h"
+#include "mmpref/mmpref_protection.h"
 
 #include <gtest/gtest.h>
 
@@ -9,124 +11,136 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <functional>
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "pref_sandbox.h"
-#include "qt_messages.h"
-#include "support/test_support.h"
 
 namespace {
 
-using mmpref_test::PrefSandbox;
+using mmfs_test::ChildResult;
 
-// Starts body() in a child process that leaves with body's result.
-pid_t Spawn(const std::function<int()>& body) {
-  const pid_t pid = fork();
-  if (pid == 0) {
-    int code = 1;
-    try {
-      code = body();
-    } catch (...) {
-    }
-    _exit(code);
+// A child that tries the lock and is killed by SIGALRM when it has to wait.
+ChildResult TryLockInChild(const QString& name, int mode) {
+  return mmfs_test::RunInChild([&] {
+    alarm(1);
+    return MMprefProtection(name, mode).lock();
+  });
+}
+
+// Runs body(0) ... body(count - 1) in as many child processes at once; how
+// each ended: its exit code, or minus the signal that killed it.
+std::vector<int> RunTogether(int count, const std::function<int(int)>& body) {
+  std::vector<pid_t> children;
+  for (int i = 0; i < count; ++i)
+    if (children.emplace_back(fork()) == 0) _exit(body(i));
+  std::vector<int> ends;
+  for (pid_t child : children) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    ends.push_back(WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status));
   }
-  return pid;
+  return ends;
 }
 
-// Waits for a child; its exit code, or -signal when a signal ended it.
-int Wait(pid_t pid) {
-  int status = 0;
-  if (waitpid(pid, &status, 0) != pid) return -1000;
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-}
-
-bool WellFormed(const std::string& path) {
-  const mmfs_test::ChildResult lint = mmfs_test::RunProgram({"/usr/bin/xmllint", "--noout", path});
-  return lint.exited && lint.exit_code == 0;
-}
-
-bool ReadsCleanly(const std::string& path) {
+// Checked by an independent parser and by the library's own reader.
+void ExpectWellFormed(const std::string& path) {
+  EXPECT_EQ(mmfs_test::RunProgram({"/usr/bin/xmllint", "--noout", path}).exit_code, 0) << mmfs_test::ReadFile(path);
   QFile file(QString::fromStdString(path));
-  if (!file.open(QIODevice::ReadOnly)) return false;
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   QSettings::SettingsMap map;
-  return readXmlFile(file, map);
+  EXPECT_TRUE(readXmlFile(file, map));
 }
 
 class MMprefProcessesTest : public ::testing::Test {
  protected:
-  PrefSandbox sandbox_;
+  mmpref_test::PrefSandbox sandbox_;
   const std::string file_ = sandbox_.userFile("Yarl");
+  const QString name_ = QString::fromStdString(file_);
 };
 
-TEST_F(MMprefProcessesTest, EightWritersKeepEveryKeyInAWellFormedFile) {
-  constexpr int kWriters = 8;
-  constexpr int kKeys = 100;
-  std::vector<pid_t> writers;
-  for (int w = 0; w < kWriters; ++w) {
-    writers.push_back(Spawn([w] {
-      MMPREF store(MMPREF_YARL, false);
-      for (int k = 0; k < kKeys; ++k) {
-        if (store.set("writer" + std::to_string(w) + "/key" + std::to_string(k), w * 1000 + k, "") != 0) return 2;
-        if (k % 10 == 9 && store.syncSettings() != MMPREF_SUCCESS) return 3;
-      }
-      return 0;
-    }));
-  }
-  for (pid_t writer : writers) EXPECT_EQ(Wait(writer), 0);
+TEST_F(MMprefProcessesTest, LockFileIsTheMd5OfTheNameInTheTemporaryDirectory) {
+  const ChildResult md5 = mmfs_test::RunProgram({"/bin/sh", "-c", "printf %s \"$0\" | md5sum | cut -c1-32", file_});
+  const std::string expected = sandbox_.root() + "/tmp/" + md5.out.substr(0, 32);
+  EXPECT_EQ(MMprefProtection::lockFilePath(name_), expected);
+  MMprefProtection guard(name_, 0);
+  EXPECT_FALSE(mmfs_test::PathExists(expected));
+  ASSERT_EQ(guard.lock(), 0);
+  EXPECT_TRUE(mmfs_test::PathExists(expected));
+}
 
-  EXPECT_TRUE(WellFormed(file_)) << mmfs_test::ReadFile(file_);
-  MMPREF store(MMPREF_YARL, false);
-  std::map<std::string, MMPREF_TYPE> keys;
-  store.listKeys(keys);
-  EXPECT_EQ(keys.size(), static_cast<size_t>(kWriters * kKeys));
-  MMpref_Err err;
-  for (int w = 0; w < kWriters; ++w) {
-    for (int k = 0; k < kKeys; k += 33) {
-      const std::string key = "writer" + std::to_string(w) + "/key" + std::to_string(k);
-      EXPECT_EQ(store.get<int>(key.c_str(), &err), w * 1000 + k) << key;
+TEST_F(MMprefProcessesTest, SharedLocksCoexistWhileAnExclusiveOneWaits) {
+  MMprefProtection reader(name_, 0);
+  ASSERT_EQ(reader.lock(), 0);
+  const ChildResult other = TryLockInChild(name_, 0);
+  EXPECT_TRUE(other.exited && other.exit_code == 0) << "a second shared lock";
+  const ChildResult writer = TryLockInChild(name_, 1);
+  EXPECT_TRUE(writer.signaled && writer.signal == SIGALRM) << "the exclusive lock must wait";
+  const ChildResult repair = TryLockInChild(name_ + ".corrupt", 1);
+  EXPECT_TRUE(repair.exited && repair.exit_code == 0) << "the repair lock is a file of its own";
+}
+
+TEST_F(MMprefProcessesTest, LockFileThatCannotBeMadeFailsAtOnceWithCode9) {
+  mmfs_test::WriteFile(sandbox_.root() + "/plain", "a regular file");
+  mmfs_test::ScopedEnv tmpdir("TMPDIR", sandbox_.root() + "/plain/sub");
+  const ChildResult result = TryLockInChild(name_, 1);
+  EXPECT_TRUE(result.exited && result.exit_code == 9) << result.err;
+  const std::string start = "Failed to aquire lock in '" + MMprefProtection::lockFilePath(name_) + "' : ";
+  EXPECT_EQ(result.err.rfind(start, 0), 0u) << result.err;
+  EXPECT_GT(result.err.size(), start.size() + 1) << "the reason is missing";
+  EXPECT_EQ(result.err.back(), '\n');
+}
+
+TEST_F(MMprefProcessesTest, EightWritersKeepEveryKeyInAWellFormedFile) {
+  const auto writer = [](int w) {
+    MMPREF store(MMPREF_YARL, false);
+    for (int k = 0; k < 100; ++k) {
+      if (store.set("writer" + std::to_string(w) + "/key" + std::to_string(k), w * 1000 + k, "") != 0) return 2;
+      if (k % 10 == 9 && store.syncSettings() != MMPREF_SUCCESS) return 3;
     }
+    return 0;
+  };
+  EXPECT_EQ(RunTogether(8, writer), std::vector<int>(8, 0));
+  ExpectWellFormed(file_);
+  MMPREF store(MMPREF_YARL, false);
+  for (int w = 0; w < 8; ++w) {
+    std::map<std::string, int> keys;
+    EXPECT_EQ(store.getIntList("writer" + std::to_string(w), keys), MMPREF_SUCCESS);
+    EXPECT_EQ(keys.size(), 100u) << w;
+    EXPECT_EQ(keys["key99"], w * 1000 + 99);
   }
 }
 
+// Each writer kills itself with SIGKILL at a different moment of its loop.
 TEST_F(MMprefProcessesTest, WriterKilledWhileSyncingNeverLeavesABrokenFile) {
   for (int round = 0; round < 6; ++round) {
-    const pid_t writer = Spawn([round] {
+    const ChildResult writer = mmfs_test::RunInChild([round]() -> int {
+      signal(SIGALRM, [](int) { raise(SIGKILL); });
+      ualarm(40000 + 25000 * round, 0);
       MMPREF store(MMPREF_YARL, false);
       for (int i = 0;; ++i) {
         store.set("round" + std::to_string(round) + "/key" + std::to_string(i % 300), i, "");
         store.syncSettings();
       }
-      return 0;
     });
-    std::this_thread::sleep_for(std::chrono::milliseconds(40 + 25 * round));
-    kill(writer, SIGKILL);
-    EXPECT_EQ(Wait(writer), -SIGKILL);
-    ASSERT_TRUE(mmfs_test::PathExists(file_));
-    EXPECT_TRUE(WellFormed(file_)) << "round " << round;
-    EXPECT_TRUE(ReadsCleanly(file_)) << "round " << round;
+    EXPECT_TRUE(writer.signaled && writer.signal == SIGKILL) << round;
+    ExpectWellFormed(file_);
   }
-  MMPREF store(MMPREF_YARL, false);
-  EXPECT_EQ(store.getType("round5/key0"), MMPREF_TYPE_INT);
+  EXPECT_EQ(MMPREF(MMPREF_YARL, false).getType("round5/key0"), MMPREF_TYPE_INT);
 }
 
 TEST_F(MMprefProcessesTest, CorruptFileOpenedByManyProcessesIsRepairedForAll) {
   sandbox_.write(file_, "<ApplicationSettings><unfinished");
-  std::vector<pid_t> openers;
-  for (int p = 0; p < 4; ++p) {
-    openers.push_back(Spawn([p] {
-      mmpref_test::QtMessages quiet;
-      MMPREF store(MMPREF_YARL, false);
-      store.set("opener" + std::to_string(p), p, "");
-      return store.syncSettings();
-    }));
-  }
-  for (pid_t opener : openers) EXPECT_EQ(Wait(opener), 0);
-  EXPECT_TRUE(WellFormed(file_));
+  const auto opener = [](int p) {
+    mmpref_test::QtWarnings quiet;
+    MMPREF store(MMPREF_YARL, false);
+    store.set("opener" + std::to_string(p), p, "");
+    return static_cast<int>(store.syncSettings());
+  };
+  EXPECT_EQ(RunTogether(4, opener), std::vector<int>(4, 0));
+  ExpectWellFormed(file_);
   MMPREF store(MMPREF_YARL, false);
   for (int p = 0; p < 4; ++p) EXPECT_TRUE(store.hasKey("opener" + std::to_string(p))) << p;
 }

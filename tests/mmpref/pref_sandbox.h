@@ -1,12 +1,14 @@
 // A private world for preference tests: home, application-data and temporary
 // directories under one temporary folder, machine and installation files at
-// paths of the test's choosing, and a rescan of them at every open.
+// paths of the test's choosing (rescanned at every open), and a recorder of
+// the warnings that Qt's message logger receives.
 #pragma once
 
-#include <sys/stat.h>
+#include <QtGlobal>
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "support/test_support.h"
 
@@ -14,19 +16,15 @@ namespace mmpref_test {
 
 class PrefSandbox {
  public:
-  PrefSandbox() { mkdir(tmp_.c_str(), 0755); }
+  // The temporary directory must exist for the lock files to go there.
+  PrefSandbox() { std::filesystem::create_directories(dir_ / "tmp"); }
 
-  // The user's file of a product base name in a release of the application-data
-  // tree (releases after 2017-1).
+  // The user's file of a product base name in a release after 2017-1.
   std::string userFile(const std::string& base, const std::string& release = "2025-4") const {
-    return appdata_ + "/" + release + "/" + base + ".xml";
+    return dir_ / ("appdata/" + release + "/" + base + ".xml");
   }
-  // The same for releases up to 2017-1, kept under the home directory.
-  std::string homeFile(const std::string& base, const std::string& release) const {
-    return home_ + "/.morvellanth/" + release + "/" + base + ".xml";
-  }
-  const std::string& machineFile() const { return machine_; }
-  const std::string& installationFile() const { return installation_; }
+  std::string machineFile() const { return dir_ / "machine/suitepref.xml"; }
+  std::string installationFile() const { return dir_ / "site/suitepref.xml"; }
   const std::string& root() const { return dir_.path(); }
 
   // Writes a file, making its directory first.
@@ -37,23 +35,33 @@ class PrefSandbox {
 
  private:
   mmfs_test::TempDir dir_;
-  const std::string home_ = dir_ / "home";
-  const std::string appdata_ = dir_ / "appdata";
-  const std::string tmp_ = dir_ / "tmp";
-  const std::string machine_ = dir_ / "machine/suitepref.xml";
-  const std::string installation_ = dir_ / "site/suitepref.xml";
-  mmfs_test::ScopedEnv homeEnv_{"HOME", home_};
-  mmfs_test::ScopedEnv appdataEnv_{"MORVELLANTH_APPDATA_OVERRIDE", appdata_};
-  mmfs_test::ScopedEnv tmpEnv_{"TMPDIR", tmp_};
-  mmfs_test::ScopedEnv sandboxEnv_{"MORVELLANTH_MMPREF_SANDBOX"};
-  mmfs_test::ScopedEnv machineEnv_{"MORVELLANTH_MACHINE_PREFERENCE", machine_};
-  mmfs_test::ScopedEnv siteEnv_{"MORVELLANTH_SITE_PREFERENCE", installation_};
-  mmfs_test::ScopedEnv rescanEnv_{"MORVELLANTH_MMPREF_TEST", "1"};
+  mmfs_test::ScopedEnv home_{"HOME", dir_ / "home"};
+  mmfs_test::ScopedEnv appdata_{"MORVELLANTH_APPDATA_OVERRIDE", dir_ / "appdata"};
+  mmfs_test::ScopedEnv tmp_{"TMPDIR", dir_ / "tmp"};
+  mmfs_test::ScopedEnv sandbox_{"MORVELLANTH_MMPREF_SANDBOX"};
+  mmfs_test::ScopedEnv machine_{"MORVELLANTH_MACHINE_PREFERENCE", machineFile()};
+  mmfs_test::ScopedEnv site_{"MORVELLANTH_SITE_PREFERENCE", installationFile()};
+  mmfs_test::ScopedEnv rescan_{"MORVELLANTH_MMPREF_TEST", "1"};
 };
 
 // A whole preference document around the given elements.
 inline std::string xmlDocument(const std::string& body) {
   return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<ApplicationSettings>\n" + body + "</ApplicationSettings>\n";
 }
+
+// Records the texts logged as warnings while it lives.
+struct QtWarnings {
+  QtWarnings() {
+    texts().clear();
+    qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
+      if (type == QtWarningMsg) texts().push_back(text.toStdString());
+    });
+  }
+  ~QtWarnings() { qInstallMessageHandler(nullptr); }
+  static std::vector<std::string>& texts() {
+    static std::vector<std::string> logged;
+    return logged;
+  }
+};
 
 }  // namespace mmpref_test
