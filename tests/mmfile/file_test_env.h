@@ -3,9 +3,14 @@
 // subsystem's messages, and directories of an exact path length.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <filesystem>
 #include <string>
 
 #include "mmerr/capture.h"
@@ -19,12 +24,7 @@ namespace mmfile_test {
 // folder, so that no test touches the real user's files.
 class FileTestEnv {
  public:
-  FileTestEnv()
-      : home_("HOME", dir_ / "home"),
-        appdata_("MORVELLANTH_APPDATA_OVERRIDE", dir_ / "appdata"),
-        tmpdir_("MORVELLANTH_TMPDIR") {
-    mkdir((dir_ / "home").c_str(), 0755);
-  }
+  FileTestEnv() { mkdir(home().c_str(), 0755); }
   const std::string& root() const { return dir_.path(); }
   std::string operator/(const std::string& relative) const { return dir_ / relative; }
   std::string appdata() const { return dir_ / "appdata"; }
@@ -32,69 +32,73 @@ class FileTestEnv {
 
  private:
   mmfs_test::TempDir dir_;
-  mmfs_test::ScopedEnv home_;
-  mmfs_test::ScopedEnv appdata_;
-  mmfs_test::ScopedEnv tmpdir_;
+  mmfs_test::ScopedEnv home_{"HOME", dir_ / "home"};
+  mmfs_test::ScopedEnv appdata_{"MORVELLANTH_APPDATA_OVERRIDE", dir_ / "appdata"};
+  mmfs_test::ScopedEnv tmpdir_{"MORVELLANTH_TMPDIR"};
 };
 
 // Captures every message of errHand_mmfile from INFO up (the handle's own
 // threshold would drop the INFO notes) and puts the threshold back after.
 class FileMessages {
  public:
-  FileMessages() : capture_(mmfile_capture_mmerr()) {
+  FileMessages() {
     mmerr_get_level(errHand_mmfile, &saved_level_);
     mmerr_level(errHand_mmfile, MMERR_LEVEL_INFO);
   }
   ~FileMessages() { mmerr_level(errHand_mmfile, saved_level_); }
-  FileMessages(const FileMessages&) = delete;
-  FileMessages& operator=(const FileMessages&) = delete;
   // The messages since the last call.
   std::string getMessages() { return capture_.getMessages(); }
 
  private:
-  morvellanth::mmlibs::CaptureMMErr capture_;
+  morvellanth::mmlibs::CaptureMMErr capture_ = mmfile_capture_mmerr();
   int saved_level_ = MMERR_LEVEL_WARNING;
 };
 
-// Makes nested directories below `base` so that the deepest one's path is
-// exactly `length` characters long; returns that path.
-inline std::string MakeDirOfLength(const std::string& base, std::size_t length) {
-  std::string path = base;
-  mkdir(path.c_str(), 0755);
-  while (path.size() < length) {
-    std::size_t room = length - path.size() - 1;  // after the "/"
-    // Leave at least two characters for a last component.
-    std::size_t part = room > 200 ? (room - 200 < 2 ? 150 : 200) : room;
-    path += "/" + std::string(part, 'd');
-    mkdir(path.c_str(), 0755);
+// The text of a malloc'ed result, which is freed; "<null>" for none.
+inline std::string Take(char* text) {
+  std::string result = text ? text : "<null>";
+  free(text);
+  return result;
+}
+
+inline bool IsDirectory(const std::string& path) {
+  struct stat st;
+  return stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+// What the call throws, or "<no exception>".
+template <typename Call>
+std::string Thrown(Call call) {
+  try {
+    call();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+  return "<no exception>";
+}
+
+// Makes nested directories from `path` down to one whose path is exactly
+// `length` characters long (no component empty); returns that path.
+inline std::string MakeDirOfLength(std::string path, std::size_t length) {
+  for (mkdir(path.c_str(), 0755); path.size() < length; mkdir(path.c_str(), 0755)) {
+    const std::size_t room = length - path.size() - 1;  // after the "/"
+    path += "/" + std::string(room == 201 ? 150 : std::min<std::size_t>(room, 200), 'd');
   }
   return path;
 }
 
-// The working directory, restored when the object dies.
+// Enters a directory; the previous working directory comes back at the end.
 class ScopedCwd {
  public:
-  ScopedCwd() {
-    char buffer[4096];
-    if (getcwd(buffer, sizeof buffer)) saved_ = buffer;
-  }
-  explicit ScopedCwd(const std::string& dir) : ScopedCwd() {
-    if (chdir(dir.c_str()) != 0) saved_.clear();
+  explicit ScopedCwd(const std::string& dir) {
+    if (chdir(dir.c_str()) != 0) ADD_FAILURE() << "cannot enter " << dir;
   }
   ~ScopedCwd() {
-    if (!saved_.empty() && chdir(saved_.c_str()) != 0) {
-    }
+    if (chdir(saved_.c_str()) != 0) ADD_FAILURE() << "cannot return to " << saved_;
   }
-  ScopedCwd(const ScopedCwd&) = delete;
-  ScopedCwd& operator=(const ScopedCwd&) = delete;
 
  private:
-  std::string saved_;
+  std::string saved_ = std::filesystem::current_path().string();
 };
-
-inline std::string CurrentDir() {
-  char buffer[8192];
-  return getcwd(buffer, sizeof buffer) ? buffer : "";
-}
 
 }  // namespace mmfile_test
