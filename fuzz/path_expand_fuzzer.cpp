@@ -4,8 +4,13 @@
 // test on it. Input: two bytes giving `size`, then the text.
 // The environment is fixed before the first run (HOME, the application-data
 // override and a few variables of our own); the input only reads it.
-// Checks: where both forms succeed they agree; the buffer form succeeds
-// whenever the allocating form's result fits; results fit their buffers.
+// Checks: the allocating form gives what a plain model of the rules gives
+// (~ and ~user at the start, $NAME from the environment, the three
+// application-data names, a lone $ kept); where both forms succeed they
+// agree; the buffer form succeeds whenever the allocating form's result fits
+// and refuses inputs over 1024 characters untouched; results fit their
+// buffers.
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -39,6 +44,66 @@ void FixEnvironment() {
   unsetenv("USERDATA");
 }
 
+struct Expansion {
+  int status;
+  std::string text;
+};
+
+// The expansion rules written out plainly, for the fixed environment.
+Expansion ModelExpand(const std::string& in) {
+  static const std::string home = [] {
+    char* dir = nullptr;
+    mmfile_dir_home(&dir);
+    std::string text = dir;
+    std::free(dir);
+    return text;
+  }();
+  static const std::string appdata = [] {
+    char* dir = nullptr;
+    if (mmfile_morvellanth_appdata_dir(&dir) != 0) fuzz::Fail("no application-data directory");
+    std::string text = dir;
+    std::free(dir);
+    return text;
+  }();
+  static const std::string kNameCharacters =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
+
+  Expansion out{0, ""};
+  std::size_t p = 0;
+  if (!in.empty() && in[0] == '~') {
+    const std::size_t end = std::min(in.find_first_of("/\\", 1), in.size());
+    const std::string user = in.substr(1, end - 1);
+    if (user.empty()) {
+      out.text += home;
+    } else {
+      const struct passwd* entry = getpwnam(user.c_str());
+      if (entry && entry->pw_dir && entry->pw_dir[0]) {
+        out.text += entry->pw_dir;
+      } else {
+        out.status = -1;
+      }
+    }
+    p = end;
+  }
+  for (std::size_t dollar; (dollar = in.find('$', p)) != std::string::npos;) {
+    out.text += in.substr(p, dollar - p);
+    std::size_t end = in.find_first_not_of(kNameCharacters, dollar + 1);
+    if (end == std::string::npos) end = in.size();
+    const std::string name = in.substr(dollar + 1, end - dollar - 1);
+    p = end;
+    if (name.empty()) {
+      out.text += '$';
+    } else if (name == "USERDATA" || name == "APPDATA" || name == "LOCAL_APPDATA") {
+      out.text += appdata;
+      out.status = 0;
+    } else if (const char* value = getenv(name.c_str())) {
+      out.text += value;
+    }
+  }
+  out.text += in.substr(p);
+  return out;
+}
+
 void ConvertSeparators(const std::string& text) {
   std::string copy = text;
   const int size = static_cast<int>(copy.size()) + 1;
@@ -69,7 +134,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   char* expanded = nullptr;
   const int rc = mmfile_dir_expand(text.c_str(), &expanded);
   fuzz::Check(rc == 0 || rc == -1, "mmfile_dir_expand answers 0 or -1");
-  if (text.empty()) fuzz::Check(rc == -1 && expanded == nullptr, "empty text is refused");
+  if (text.empty()) {
+    fuzz::Check(rc == -1 && expanded == nullptr, "empty text is refused");
+  } else {
+    const Expansion model = ModelExpand(text);
+    fuzz::Check(rc == model.status, "the status follows the rules");
+    fuzz::Check(expanded != nullptr && model.text == expanded, "the expansion follows the rules");
+  }
 
   // The buffer holds the text and room for `size` characters plus the NUL,
   // and not one byte more.
@@ -79,6 +150,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const int buffer_rc = mmfile_dir_expand_buffer(buffer, buffer_size);
   fuzz::Check(buffer_rc == 0 || buffer_rc == -1, "mmfile_dir_expand_buffer answers 0 or -1");
   fuzz::Check(std::strlen(buffer) < room, "the buffer form stays inside its buffer");
+  if (text.size() > kBufferInputLimit || buffer_size < 1) {
+    fuzz::Check(buffer_rc == -1 && text == buffer, "a refused input is left untouched");
+  }
 
   if (buffer_rc == 0) {
     fuzz::Check(std::strlen(buffer) <= static_cast<std::size_t>(buffer_size),
