@@ -3,11 +3,15 @@
 
 #include <QDebug>
 #include <QList>
+#include <QScopeGuard>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
+
+#include <map>
+#include <utility>
 
 #include "mmpref/mmpref_state_internal.h"
 
@@ -52,8 +56,33 @@ QString sharedText(QStringView text) {
   static const QString common[] = {QStringLiteral("dt"), QStringLiteral("int"), QStringLiteral("QString"),
                                    QStringLiteral("double"), QStringLiteral("bool")};
   for (const QString& known : common)
-    if (text == known) return known;
+    if (text.size() == known.size() && text == known) return known;
   return text.toString();
+}
+
+// The members of one leaf element, built in a plain map and handed over to a
+// QVariantMap whole, which spares QMap's sharing checks on every insertion.
+QVariantMap elementMembers(const QXmlStreamAttributes& elementAttributes, ElementPath& path,
+                           QString& pendingComment) {
+  std::map<QString, QVariant> members;
+  for (const QXmlStreamAttribute& attribute : elementAttributes) {
+    if (attribute.name() == kPlatformAttribute) {
+      path.extendTop(u":");
+      path.extendTop(attribute.name());
+      path.extendTop(u"=");
+      path.extendTop(attribute.value());
+      morvellanth::preferences::internal::note_platform_keys();
+    } else {
+      members.insert_or_assign(sharedText(attribute.name()), sharedText(attribute.value()));
+    }
+  }
+  // A comment belongs to the element right after it; on a group element it is
+  // dropped when the next element starts.
+  if (!pendingComment.isEmpty()) {
+    members.insert_or_assign(kCommentMember, pendingComment);
+    pendingComment.clear();
+  }
+  return QVariantMap(std::move(members));
 }
 
 QSettings::Format registeredFormat() {
@@ -75,6 +104,9 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
   ElementPath path;
   QString pendingComment;
   QVariantMap attributes;
+  // Entries go into the plain map inside `map`, handed back at every return.
+  std::map<QString, QVariant> entries = std::move(map).toStdMap();
+  const auto handBack = qScopeGuard([&] { map = QSettings::SettingsMap(std::move(entries)); });
 
   while (!xml.atEnd()) {
     switch (xml.readNext()) {
@@ -82,30 +114,14 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
         pendingComment = xml.text().toString();
         break;
 
-      case QXmlStreamReader::StartElement: {
-        attributes.clear();
-        if (xml.name() == kRootElement) break;
+      case QXmlStreamReader::StartElement:
+        if (xml.name() == kRootElement) {
+          attributes.clear();
+          break;
+        }
         path.push(xml.name());
-        const QXmlStreamAttributes elementAttributes = xml.attributes();
-        for (const QXmlStreamAttribute& attribute : elementAttributes) {
-          if (attribute.name() == kPlatformAttribute) {
-            path.extendTop(u":");
-            path.extendTop(attribute.name());
-            path.extendTop(u"=");
-            path.extendTop(attribute.value());
-            morvellanth::preferences::internal::note_platform_keys();
-          } else {
-            attributes.insert(sharedText(attribute.name()), sharedText(attribute.value()));
-          }
-        }
-        // A comment belongs to the element right after it; on a group element
-        // it is dropped when the next element starts.
-        if (!pendingComment.isEmpty()) {
-          attributes.insert(kCommentMember, pendingComment);
-          pendingComment.clear();
-        }
+        attributes = elementMembers(xml.attributes(), path, pendingComment);
         break;
-      }
 
       case QXmlStreamReader::EndElement: {
         if (xml.name() == kRootElement || path.isEmpty()) break;
@@ -119,11 +135,11 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
 
       case QXmlStreamReader::Characters: {
         // Indentation between elements is white space only; text directly in
-        // the root belongs to no key.
-        if (xml.text().trimmed().isEmpty() || path.isEmpty()) break;
+        // the root belongs to no key. XML white space is a cheap first test.
+        if (path.isEmpty() || xml.isWhitespace() || xml.text().trimmed().isEmpty()) break;
         attributes.insert(kValueMember, xml.text().toString());
         // Written files are in key order: the end is the right place to try.
-        map.insert(map.cend(), path.key(), attributes);
+        entries.insert_or_assign(entries.cend(), path.key(), QVariant(attributes));
         break;
       }
 
