@@ -1,140 +1,88 @@
-// Capture of a handle's messages into strings, and its restoring rules.
+// Scoped objects over the handles: capture of a handle's messages into
+// strings, and deprecation reports (once per call site, silent inside a
+// suppression scope). Deprecation cases run in fresh children because the
+// environment is read once per process.
 #include "mmerr/capture.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
-#include "mmerr/mmerr.h"
+#include "memory_handle.h"
 #include "support/test_support.h"
-
-namespace {
 
 using morvellanth::mmlibs::CaptureMMErr;
 
-class CaptureTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    stream_ = open_memstream(&data_, &size_);
-    ASSERT_EQ(mmerr_new(&handle_), 1);
-    mmerr_file(handle_, stream_);
-  }
-  void TearDown() override {
-    mmerr_delete(handle_);
-    fclose(stream_);
-    free(data_);
-  }
-  std::string printed() {
-    fflush(stream_);
-    return std::string(data_, size_);
-  }
-  bool printing() {
-    int state = -1;
-    mmerr_print_state(handle_, &state);
-    return state == 1;
-  }
-  int handle_ = -1;
-  FILE* stream_ = nullptr;
-  char* data_ = nullptr;
-  size_t size_ = 0;
-};
-
-TEST_F(CaptureTest, CollectsInsteadOfPrintingAndClearsOnRead) {
-  CaptureMMErr capture(handle_);
-  mmerr_throw(handle_, 4, "first %d\n", 1);
-  mmerr_throw(handle_, 5, "second\n");
-  mmerr_throw(handle_, 2, "below threshold\n");
+TEST(Capture, CollectsInsteadOfPrintingAndClearsOnRead) {
+  MemoryHandle h;
+  CaptureMMErr capture(h.handle);
+  EXPECT_EQ(capture.addMessagesAsDetails("Open failed"), "Open failed");
+  mmerr_throw(h.handle, 4, "first %d\n", 1);
+  mmerr_throw(h.handle, 5, "second\n");
   EXPECT_EQ(capture.getMessages(), "WARNING first 1\nFATAL second\n");
   int maxlevel = 0;
-  mmerr_maxlevel(handle_, &maxlevel);
+  mmerr_maxlevel(h.handle, &maxlevel);
   EXPECT_EQ(maxlevel, 1);
   EXPECT_EQ(capture.getMessages(), "");
-  EXPECT_EQ(printed(), "");
+  mmerr_throw(h.handle, 4, "no such file\n");
+  EXPECT_EQ(capture.addMessagesAsDetails("Open failed"), "Open failed:\n WARNING no such file\n");
+  EXPECT_EQ(h.text(), "");
 }
 
-TEST_F(CaptureTest, RestorePrintsAgainAndKeepsTheMessages) {
-  CaptureMMErr capture(handle_);
-  mmerr_throw(handle_, 4, "kept\n");
+TEST(Capture, RestoreGivesBackTheEarlierStateOnceAndKeepsTheMessages) {
+  MemoryHandle h;
+  auto original = std::make_unique<CaptureMMErr>(h.handle);
+  CaptureMMErr capture(std::move(*original));
+  original.reset();  // moved from: restores nothing
+  mmerr_throw(h.handle, 4, "kept\n");
   capture.restore();
   capture.restore();
-  EXPECT_TRUE(printing());
-  mmerr_throw(handle_, 4, "printed\n");
-  EXPECT_EQ(printed(), "WARNING printed\n");
+  mmerr_throw(h.handle, 4, "printed\n");
   EXPECT_EQ(capture.getMessages(), "WARNING kept\n");
   EXPECT_EQ(capture.getMessages(), "WARNING kept\n");
+  mmerr_suppress_print(h.handle);
+  CaptureMMErr(h.handle).restore();
+  mmerr_throw(h.handle, 4, "still suppressed\n");
+  EXPECT_EQ(h.text(), "WARNING printed\n");
 }
 
-TEST_F(CaptureTest, SuppressedHandleStaysSuppressed) {
-  mmerr_suppress_print(handle_);
-  {
-    CaptureMMErr capture(handle_);
-    mmerr_throw(handle_, 4, "x\n");
-  }
-  EXPECT_FALSE(printing());
+TEST(Capture, UnknownHandleThrowsItsNumber) {
+  EXPECT_THAT([] { CaptureMMErr capture(4242); }, testing::ThrowsMessage<std::out_of_range>(
+                                                       testing::StrEq("Invalid mmerr handle: 4242")));
 }
 
-TEST_F(CaptureTest, OuterCaptureGetsItsBufferBack) {
-  CaptureMMErr outer(handle_);
-  mmerr_throw(handle_, 4, "outer\n");
-  {
-    CaptureMMErr inner(handle_);
-    mmerr_throw(handle_, 4, "inner\n");
-    EXPECT_EQ(inner.getMessages(), "WARNING inner\n");
-  }
-  mmerr_throw(handle_, 4, "outer again\n");
-  EXPECT_EQ(outer.getMessages(), "WARNING outer\nWARNING outer again\n");
+static void CallDeprecated() {
+  mmlog_deprecation_warning("old_api.cpp", 17, "old_api", "%s function is deprecated for %s\n",
+                            "old_api", "new_api");
 }
 
-TEST_F(CaptureTest, DetailsAndDefaults) {
-  CaptureMMErr capture(handle_);
-  EXPECT_EQ(capture.addMessagesAsDetails("Open failed"), "Open failed");
-  EXPECT_EQ(capture.getMessagesOrDefault("nothing said"), "nothing said");
-  mmerr_throw(handle_, 4, "no such file\n");
-  EXPECT_EQ(capture.addMessagesAsDetails("Open failed"),
-            "Open failed:\n WARNING no such file\n");
+// Standard error of a fresh child that calls deprecated functions in and out
+// of suppression scopes, with the variable set or not at the first call.
+static std::string DeprecationReports(bool enabled) {
+  return mmfs_test::RunInChild([enabled] {
+           enabled ? setenv("MORVELLANTH_DEPRECATION_WARNING", "", 1)
+                   : unsetenv("MORVELLANTH_DEPRECATION_WARNING");
+           mmlog_deprecation_warning("old_api.cpp", 18, "other", "plain\n");
+           setenv("MORVELLANTH_DEPRECATION_WARNING", "1", 1);  // too late: read once
+           {
+             MmerrSuppressDeprecation suppressed;
+             CallDeprecated();
+           }
+           fputs("--\n", stderr);
+           for (int i = 0; i < 3; ++i) CallDeprecated();
+           return 0;
+         }).err;
 }
 
-TEST_F(CaptureTest, MovedFromCaptureRestoresNothing) {
-  CaptureMMErr* original = new CaptureMMErr(handle_);
-  CaptureMMErr moved(std::move(*original));
-  delete original;  // bound to no handle: must not restore printing
-  EXPECT_FALSE(printing());
-  mmerr_throw(handle_, 4, "still captured\n");
-  moved.restore();
-  EXPECT_TRUE(printing());
-  EXPECT_EQ(moved.getMessages(), "WARNING still captured\n");
-  EXPECT_EQ(printed(), "");
+TEST(Deprecation, ReportsOncePerCallSiteOutsideSuppressionScopesWhenAskedFor) {
+  EXPECT_EQ(DeprecationReports(false), "--\n");
+  EXPECT_EQ(DeprecationReports(true),
+            "WARNING DEPRECATION for other (old_api.cpp:18): plain\n--\n"
+            "WARNING DEPRECATION for old_api (old_api.cpp:17): old_api function is deprecated "
+            "for new_api\n");
 }
-
-TEST_F(CaptureTest, MoveAssignmentAbandonsTheTargetsCapture) {
-  int other;
-  ASSERT_EQ(mmerr_new(&other), 1);
-  {
-    CaptureMMErr target(other);
-    CaptureMMErr source(handle_);
-    target = std::move(source);
-    target.restore();
-    EXPECT_TRUE(printing());
-  }
-  int state = -1;
-  mmerr_print_state(other, &state);
-  EXPECT_EQ(state, 0) << "the abandoned capture is never restored";
-  mmerr_delete(other);
-}
-
-TEST(CaptureErrors, InvalidHandleThrowsItsNumber) {
-  int top;
-  ASSERT_EQ(mmerr_new(&top), 1);
-  try {
-    CaptureMMErr capture(top + 1);
-    FAIL() << "no exception";
-  } catch (const std::out_of_range& error) {
-    EXPECT_EQ(std::string(error.what()), "Invalid mmerr handle: " + std::to_string(top + 1));
-  }
-  mmerr_delete(top);
-}
-
-}  // namespace
