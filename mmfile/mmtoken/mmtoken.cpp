@@ -17,7 +17,9 @@ struct TokenSlab {
   TokenSlab* next;
   std::size_t capacity;
   std::size_t used;
+  std::size_t live;  // tokens of the list stored here
   char* data() { return reinterpret_cast<char*>(this + 1); }
+  bool holds(const char* text) { return text >= data() && text < data() + capacity; }
 };
 
 namespace morvellanth::mmtoken {
@@ -92,12 +94,6 @@ struct TokenTable {
 };
 TokenTable token_table;
 
-void FreePatterns(token_tag* list) {
-  for (int i = 0; i < list->regex_count; i++) std::free(list->regexes[i]);
-  std::free(list->regexes);
-  list->regexes = nullptr;
-  list->regex_count = 0;
-}
 
 constexpr std::size_t kFirstSlab = 256;
 constexpr std::size_t kLargestSlab = std::size_t{1} << 20;
@@ -112,14 +108,33 @@ char* StoreText(token_tag* list, std::string_view token) {
     capacity = std::max(capacity, need);
     TokenSlab* grown = static_cast<TokenSlab*>(std::malloc(sizeof(TokenSlab) + capacity));
     if (grown == nullptr) return nullptr;
-    *grown = TokenSlab{slab, capacity, 0};
+    *grown = TokenSlab{slab, capacity, 0, 0};
     list->slabs = slab = grown;
   }
   char* text = slab->data() + slab->used;
   std::memcpy(text, token.data(), token.size());
   text[token.size()] = '\0';
   slab->used += need;
+  slab->live++;
   return text;
+}
+
+// Gives back the space of a token that left the list: a slab whose tokens
+// have all gone is freed (the newest one is emptied for reuse), so a list
+// used as a queue does not grow. Other tokens never move.
+void ReleaseText(token_tag* list, const char* text) {
+  for (TokenSlab** link = &list->slabs; *link != nullptr; link = &(*link)->next) {
+    TokenSlab* slab = *link;
+    if (!slab->holds(text)) continue;
+    if (--slab->live > 0) return;
+    if (slab == list->slabs) {
+      slab->used = 0;
+    } else {
+      *link = slab->next;
+      std::free(slab);
+    }
+    return;
+  }
 }
 
 void FreeTokens(token_tag* list) {
@@ -201,6 +216,13 @@ void SinkToken(void* context, std::string_view token) {
 }
 
 }  // namespace
+
+void FreePatterns(token_tag* list) {
+  for (int i = 0; i < list->regex_count; i++) std::free(list->regexes[i]);
+  std::free(list->regexes);
+  list->regexes = nullptr;
+  list->regex_count = 0;
+}
 
 token_tag* FindList(int handle) {
   if (handle < 0 || static_cast<std::size_t>(handle) >= token_table.toks.size()) return nullptr;
@@ -335,6 +357,7 @@ int mmtoken_replace(int handle, int index, const char* token) {
   }
   char* copy = StoreText(list, text);
   if (copy == nullptr) return -1;
+  ReleaseText(list, old);
   list->tokens[index] = copy;
   return 0;
 }
@@ -342,6 +365,7 @@ int mmtoken_replace(int handle, int index, const char* token) {
 int mmtoken_delete_token(int handle, int index) {
   token_tag* list = Checked(handle, kDeleteToken);
   if (list == nullptr || !IndexValid(*list, index, kDeleteToken)) return -1;
+  ReleaseText(list, list->tokens[index]);
   std::memmove(list->tokens + index, list->tokens + index + 1,
                static_cast<std::size_t>(list->count - index - 1) * sizeof(char*));
   list->count--;

@@ -15,7 +15,7 @@ struct TokenSlab;
 // One token list. Invariants: 0 <= count <= capacity <= allocated; every
 // slot below count holds a NUL-terminated string inside one of the list's
 // slabs (tokens are packed into a few large blocks instead of one allocation
-// each; a token's space is given back when the list is cleared or deleted);
+// each; a slab is freed once none of its tokens is left in the list);
 // regex_count is 0 or the count at the last mmtoken_regex_compile, and
 // regexes holds that many patterns (a slot may be null).
 struct token_tag {
@@ -39,6 +39,9 @@ token_tag* FindList(int handle);
 const token_tag* RecordAt(int handle);
 // Number of records in the table (live or free).
 int RecordCount();
+
+// Frees a list's compiled patterns and forgets them.
+void FreePatterns(token_tag* list);
 
 // Appends a copy of `token` to a list, growing it by 20 slots when full.
 // Reports a FATAL message and returns -1 when memory runs out.

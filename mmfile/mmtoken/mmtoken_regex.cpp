@@ -36,8 +36,8 @@ bool Put(char* buffer, std::size_t* used, const char* text, std::size_t length) 
   return true;
 }
 
-// Writes the expression for one token into buffer (kPatternBuffer bytes,
-// zero-filled).
+// Writes the expression for one token, NUL-terminated, into buffer
+// (kPatternBuffer bytes).
 void TranslateWildcards(const char* token, char* buffer) {
   std::size_t used = 0;
   Put(buffer, &used, "^", 1);
@@ -55,8 +55,9 @@ void TranslateWildcards(const char* token, char* buffer) {
     } else {
       fits = Put(buffer, &used, p, 1);
     }
-    if (!fits) return;
+    if (!fits) break;
   }
+  buffer[used] = '\0';
 }
 
 }  // namespace
@@ -67,10 +68,7 @@ extern "C" int mmtoken_regex_compile(int handle) {
     mmerr_throw(-1, MMERR_LEVEL_WARNING, "mmtoken_regex_compile(): bad tok index = %d \n", handle);
     return -1;
   }
-  for (int i = 0; i < list->regex_count; i++) std::free(list->regexes[i]);
-  std::free(list->regexes);
-  list->regexes = nullptr;
-  list->regex_count = 0;
+  morvellanth::mmtoken::FreePatterns(list);
   if (list->count == 0) return 0;
 
   list->regexes = static_cast<regexp**>(std::calloc(static_cast<std::size_t>(list->count),
@@ -79,7 +77,6 @@ extern "C" int mmtoken_regex_compile(int handle) {
   char* buffer = static_cast<char*>(std::malloc(kPatternBuffer));
   if (buffer == nullptr) return -1;
   for (int i = 0; i < list->count; i++) {
-    std::memset(buffer, 0, kPatternBuffer);
     TranslateWildcards(list->tokens[i], buffer);
     list->regexes[i] = mm_regcomp(buffer);
   }
