@@ -160,7 +160,7 @@ void mmfile_terminate(void) {}
 
 int mmfile_dir_home(char** home) {
   *home = strdup(morvellanth::path::home().c_str());
-  return 0;
+  return *home ? 0 : -1;
 }
 
 int mmfile_dir_user_home(const char* user, char** home) {

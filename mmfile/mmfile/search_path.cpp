@@ -56,8 +56,10 @@ bool contains(const search_path_type* path, const char* dir) {
 void append(search_path_type* path, const char* dir, int cwd, int home) {
   if (contains(path, dir)) return;
   auto* item = static_cast<search_path_item*>(calloc(1, sizeof(search_path_item)));
-  if (!item) return;
-  item->dir = strdup(dir);
+  if (!item || !(item->dir = strdup(dir))) {
+    free(item);
+    return;
+  }
   item->cwd = cwd;
   item->home = home;
   search_path_item** tail = &path->first;

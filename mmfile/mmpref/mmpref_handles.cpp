@@ -35,22 +35,40 @@ char* copyText(const std::string& text) { return strdup(text.c_str()); }
 
 const char* orEmpty(const char* text) { return text ? text : ""; }
 
-// Hands out a name-ordered map as malloc'd arrays of names and values.
-template <typename Value, typename Out, typename Convert>
-void handOut(const std::map<std::string, Value>& list, char*** names, Out** values, int* count,
-             Convert convert) {
-  *count = static_cast<int>(list.size());
-  *names = nullptr;
-  *values = nullptr;
-  if (list.empty()) return;
-  *names = static_cast<char**>(malloc(list.size() * sizeof(char*)));
-  *values = static_cast<Out*>(malloc(list.size() * sizeof(Out)));
+// Copies each item's name into a malloc'd array; false, with nothing handed
+// out, when memory runs out.
+template <typename Range, typename NameOf>
+bool handOutNames(const Range& items, NameOf nameOf, char*** names) {
+  char** array = static_cast<char**>(calloc(items.size(), sizeof(char*)));
+  if (!array) return false;
   size_t i = 0;
-  for (const auto& [name, value] : list) {
-    (*names)[i] = copyText(name);
-    (*values)[i] = convert(value);
-    ++i;
+  for (const auto& item : items) {
+    if (!(array[i++] = copyText(nameOf(item)))) {
+      for (size_t j = 0; j < i; ++j) free(array[j]);
+      free(array);
+      return false;
+    }
   }
+  *names = array;
+  return true;
+}
+
+// Hands out a name-ordered map as malloc'd arrays of names and values; false
+// when memory runs out.
+template <typename Value, typename Out, typename Convert>
+bool handOut(const std::map<std::string, Value>& list, char*** names, Out** values, int* count,
+             Convert convert) {
+  if (list.empty()) return true;
+  Out* array = static_cast<Out*>(malloc(list.size() * sizeof(Out)));
+  if (!array || !handOutNames(list, [](const auto& entry) { return entry.first; }, names)) {
+    free(array);
+    return false;
+  }
+  size_t i = 0;
+  for (const auto& entry : list) array[i++] = convert(entry.second);
+  *values = array;
+  *count = static_cast<int>(list.size());
+  return true;
 }
 
 template <typename T>
@@ -72,8 +90,7 @@ MMpref_Err getList(MMpref handle, const char* group, char*** names, Out** values
   if (!store) return MMPREF_FAILURE;
   std::map<std::string, MMPREF::ListValue<T>> list;
   const MMpref_Err err = store->get_list<T>(orEmpty(group), list);
-  handOut(list, names, values, count, convert);
-  return err;
+  return handOut(list, names, values, count, convert) ? err : MMPREF_FAILURE;
 }
 
 template <typename T>
@@ -168,10 +185,9 @@ MMpref_Err mmpref_get_subgroups(MMpref handle, const char* group, char*** names,
   if (!store) return MMPREF_FAILURE;
   std::vector<std::string> groups;
   store->getSubgroups(groups, orEmpty(group));
-  *count = static_cast<int>(groups.size());
   if (groups.empty()) return MMPREF_SUCCESS;
-  *names = static_cast<char**>(malloc(groups.size() * sizeof(char*)));
-  for (size_t i = 0; i < groups.size(); ++i) (*names)[i] = copyText(groups[i]);
+  if (!handOutNames(groups, [](const std::string& name) { return name; }, names)) return MMPREF_FAILURE;
+  *count = static_cast<int>(groups.size());
   return MMPREF_SUCCESS;
 }
 

@@ -8,12 +8,7 @@
 #include <exception>
 #include <iostream>
 
-namespace {
-
-// The code of MMpref_Err for a lock that could not be taken.
-constexpr int kLockFailure = 9;
-
-}  // namespace
+#include "mmpref/mmpref_types.h"
 
 MMprefProtection::MMprefProtection(const QString& name, int mode) : name_(name), mode_(mode) {}
 
@@ -53,6 +48,6 @@ int MMprefProtection::lock() {
     return 0;
   } catch (const std::exception& error) {
     std::cerr << "Failed to aquire lock in '" << path << "' : " << error.what() << std::endl;
-    return kLockFailure;
+    return MMPREF_LOCK_FAILURE;
   }
 }
