@@ -28,12 +28,16 @@ bool StoreOutput(char* field, int field_length, const char* value) {
   return length <= capacity;
 }
 
+int ReportTooLong(const char* twin, const char* what, int need, int have) {
+  mmerr_throw(-1, MMERR_LEVEL_FATAL, "%s: %s not long enough; need %d chars, have %d", twin, what,
+              need, have);
+  return -1;
+}
+
 int StoreOutputReported(const char* twin, const char* what, char* field, int field_length,
                         const char* value) {
   if (StoreOutput(field, field_length, value)) return 0;
-  mmerr_throw(-1, MMERR_LEVEL_FATAL, "%s: %s not long enough; need %d chars, have %d", twin,
-              what, static_cast<int>(strlen(value)), field_length);
-  return -1;
+  return ReportTooLong(twin, what, static_cast<int>(strlen(value)), field_length);
 }
 
 }  // namespace morvellanth::fortran

@@ -28,6 +28,10 @@ class InputString {
 // field then holds the first `field_length` characters) when it does not fit.
 bool StoreOutput(char* field, int field_length, const char* value);
 
+// Throws at level 5 (FATAL) on handle -1 the message "<twin>: <what> not
+// long enough; need <need> chars, have <have>" and returns -1.
+int ReportTooLong(const char* twin, const char* what, int need, int have);
+
 // StoreOutput, and on truncation throws at level 5 (FATAL) on handle -1 the
 // message "<twin>: <what> not long enough; need <n> chars, have <field_length>"
 // and returns -1; returns 0 when the value fits.

@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstring>
 
+#include "mmerr/fortran_string_internal.h"
 #include "mmerr/mmerr.h"
 #include "mmerr/mmerr_internal.h"
 
@@ -76,8 +77,7 @@ void mmerrf_throw_(int* handle, int* level, char* message, int* status) {
 }
 
 void mmerrf_return_code_(int* level, char* text) {
-  strncpy(text, mmerr_return_code(*level), kReturnCodeField);
-  for (int i = kReturnCodeField - 1; i >= 0 && text[i] == '\0'; --i) text[i] = ' ';
+  morvellanth::fortran::StoreOutput(text, kReturnCodeField, mmerr_return_code(*level));
 }
 
 }  // extern "C"

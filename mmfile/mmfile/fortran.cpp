@@ -15,6 +15,7 @@
 namespace {
 
 using morvellanth::fortran::InputString;
+using morvellanth::fortran::ReportTooLong;
 using morvellanth::fortran::StoreOutput;
 using morvellanth::fortran::StoreOutputReported;
 
@@ -94,11 +95,8 @@ int mmfilef_path_add_home_(int* status) {
 int mmfilef_path_localize_(char* path, int* status, int path_length) {
   constexpr const char* kTwin = "mmfilef_path_localize_";
   const InputString cpath(path, path_length);
-  if (cpath.size() > static_cast<std::size_t>(kLocalizeChars)) {
-    mmerr_throw(-1, MMERR_LEVEL_FATAL, "%s: cpath not long enough; need %d chars, have %d", kTwin,
-                static_cast<int>(cpath.size()), kLocalizeChars);
-    return finish(status, -1);
-  }
+  if (cpath.size() > static_cast<std::size_t>(kLocalizeChars))
+    return finish(status, ReportTooLong(kTwin, "cpath", static_cast<int>(cpath.size()), kLocalizeChars));
   char buffer[kLocalizeChars + 1];
   memcpy(buffer, cpath.c_str(), cpath.size() + 1);
   const int result = mmfile_path_localize(buffer, kLocalizeChars);

@@ -9,11 +9,14 @@
 
 namespace {
 
+// The current release, "YYYY-Q", read as numbers.
+constexpr int Digit(int position) { return MMFILE_CURRENT_RELEASE[position] - '0'; }
+constexpr int kNewestYear = Digit(0) * 1000 + Digit(1) * 100 + Digit(2) * 10 + Digit(3);
+constexpr int kNewestQuarter = Digit(5);
+
 // Quarterly releases run from the current one down to the first quarter of
 // 2014; 2013 had three quarterly releases and, before them, one named by its
 // year alone.
-constexpr int kNewestYear = 2025;
-constexpr int kNewestQuarter = 4;
 constexpr int kOldestQuarterlyYear = 2014;
 constexpr const char* kReleases2013[] = {"2013-3", "2013-2", "2013-1", "2013"};
 
