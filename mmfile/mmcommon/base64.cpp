@@ -2,6 +2,7 @@
 #include "mmcommon/base64.h"
 
 #include <array>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -181,6 +182,9 @@ const char* active_codec_name() { return active_codec().name; }
 }  // namespace morvellanth::base64
 
 extern "C" int modp_b64_encode(char* dest, const char* src, int len) {
+  // The result counts characters in an int: 4 for every 3 bytes.
+  constexpr int kLongestInput = INT_MAX / 4 * 3;
+  if (len < 0 || len > kLongestInput) return -1;
   return morvellanth::base64::active_codec().encode(dest, src, len);
 }
 

@@ -19,7 +19,8 @@ extern "C" {
 
 // Encodes len bytes of src as 4 * ceil(len / 3) characters followed by a NUL;
 // returns the number of characters (NUL excluded). dest must hold
-// modp_b64_encode_len(len) characters.
+// modp_b64_encode_len(len) characters. -1, with nothing written, for a
+// negative len or one over 1,610,612,733 (its length would not fit an int).
 int modp_b64_encode(char* dest, const char* src, int len);
 
 // Decodes len characters; returns the number of bytes written, or -1 when len

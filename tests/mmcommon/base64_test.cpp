@@ -65,6 +65,11 @@ TEST(Base64Contract, EncodesAndDecodesTheStandardVectorsKeepingBytesBeforeAnErro
   const Outcome refused = Decode(modp_b64_decode, text);
   EXPECT_EQ(refused.first, -1);
   EXPECT_EQ(refused.second.substr(0, 135), std::string(135, 'x'));
+  // Lengths whose encoding would not fit an int are refused before any read.
+  char untouched[1] = {'u'};
+  EXPECT_EQ(modp_b64_encode(untouched, nullptr, -1), -1);
+  EXPECT_EQ(modp_b64_encode(untouched, nullptr, 1610612734), -1);
+  EXPECT_EQ(untouched[0], 'u');
 }
 
 // Every length up to 300 and a few of several MiB, alphabet characters of
