@@ -27,6 +27,12 @@ struct Element {
   bool has_children;
 };
 
+bool IsPlatformWord(const QString& word) {
+  for (MMPREF_PLATFORM platform : {MMPREF_PLATFORM_WINDOWS, MMPREF_PLATFORM_LINUX, MMPREF_PLATFORM_DARWIN})
+    if (word == QLatin1String(mmpref_platform_word(platform))) return true;
+  return false;
+}
+
 class FileChecker {
  public:
   explicit FileChecker(const std::string& path) : path_(path) {}
@@ -94,7 +100,7 @@ class FileChecker {
         element.has_type = true;
       } else if (attribute.name() == QLatin1String("os")) {
         const QString word = attribute.value().toString();
-        if (word != "linux" && word != "windows" && word != "darwin")
+        if (!IsPlatformWord(word))
           Report(element.line, "unknown platform '" + word.toStdString() + "' in the os attribute of '" +
                                    name + "'");
       }
