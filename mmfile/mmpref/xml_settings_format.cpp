@@ -85,6 +85,15 @@ QVariantMap elementMembers(const QXmlStreamAttributes& elementAttributes, Elemen
   return QVariantMap(std::move(members));
 }
 
+// The reader lets a NUL character into names after the first one, and the
+// writer writes such names unchecked into a file that no longer parses.
+bool holdsNulInName(const QXmlStreamReader& xml) {
+  if (xml.qualifiedName().contains(QChar(0))) return true;
+  for (const QXmlStreamAttribute& attribute : xml.attributes())
+    if (attribute.qualifiedName().contains(QChar(0))) return true;
+  return false;
+}
+
 QSettings::Format registeredFormat() {
   static const QSettings::Format format =
       QSettings::registerFormat(QStringLiteral("xml"), readXmlFile, writeXmlFile, Qt::CaseSensitive);
@@ -109,7 +118,10 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
   const auto handBack = qScopeGuard([&] { map = QSettings::SettingsMap(std::move(entries)); });
 
   while (!xml.atEnd()) {
-    switch (xml.readNext()) {
+    const QXmlStreamReader::TokenType token = xml.readNext();
+    if (token == QXmlStreamReader::StartElement && holdsNulInName(xml))
+      xml.raiseError(QStringLiteral("A name holds a NUL character."));
+    switch (xml.hasError() ? QXmlStreamReader::Invalid : token) {
       case QXmlStreamReader::Comment:
         pendingComment = xml.text().toString();
         break;
