@@ -134,6 +134,15 @@ int decode_table(char* dest, const char* src, int len) {
   return static_cast<int>(out - dest);
 }
 
+int decode_tail_table(char* dest, const char* src, std::size_t length, std::size_t in, std::size_t out) {
+  if (in > 0) {
+    in -= 4;
+    out -= 3;
+  }
+  const int rest = decode_table(dest + out, src + in, static_cast<int>(length - in));
+  return rest < 0 ? -1 : static_cast<int>(out) + rest;
+}
+
 // __builtin_cpu_init makes the checks valid even before the runtime's own
 // initialisation has run (from another library's static constructors).
 bool cpu_has_avx2() {

@@ -108,15 +108,7 @@ int decode_avx512vbmi(char* dest, const char* src, int len) {
     // not write when an error follows.
     _mm512_mask_storeu_epi8(dest + out, kLow48Bytes, _mm512_permutexvar_epi8(pack, words));
   }
-  // The table codec stores a whole word per group, so the byte after the
-  // last group it decodes is always written. Going back one group makes it
-  // leave dest exactly as it would alone, at an error as well.
-  if (in > 0) {
-    in -= 4;
-    out -= 3;
-  }
-  const int rest = decode_table(dest + out, src + in, static_cast<int>(length - in));
-  return rest < 0 ? -1 : static_cast<int>(out) + rest;
+  return decode_tail_table(dest, src, length, in, out);
 }
 
 }  // namespace morvellanth::base64

@@ -8,11 +8,20 @@
 #define MMCOMMON_BASE64_X86 1
 #endif
 
+#include <cstddef>
+
 namespace morvellanth::base64 {
 
 // Table codec: any processor; the vector codecs finish their tails with it.
 int encode_table(char* dest, const char* src, int len);
 int decode_table(char* dest, const char* src, int len);
+
+// Finishes a vector decode that stopped after `in` characters and `out`
+// bytes: the table codec decodes the rest, starting one group back, because
+// it stores a whole word per group and so always writes the byte after the
+// last group; going back makes it leave dest exactly as it would alone, at an
+// error as well. Returns the decoder's result.
+int decode_tail_table(char* dest, const char* src, std::size_t length, std::size_t in, std::size_t out);
 
 #ifdef MMCOMMON_BASE64_X86
 // 24 bytes (32 characters) per step; need AVX2.
