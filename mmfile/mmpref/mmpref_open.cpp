@@ -148,12 +148,17 @@ MMpref_Err MMPREF::initialize_handle(bool load_previous_release) {
   qWarning() << "initialize_handle" << ": Loading setting(" << file << ") failed. "
              << format_error(settings_status_code(settings_->status())).c_str();
   if (settings_->status() == QSettings::FormatError) {
-    // A corrupt file is deleted, once, by whichever process gets here first.
+    // A corrupt file is deleted, once, by whichever process gets here first;
+    // the others read it again under the lock and keep what the first made.
     MMprefProtection repairing(file + ".corrupt", 1);
     if (repairing.lock() == 0) {
       delete settings_;
-      QFile::remove(file);
       settings_ = new QSettings(file, getQSettingsFormat());
+      if (settings_->status() == QSettings::FormatError) {
+        delete settings_;
+        QFile::remove(file);
+        settings_ = new QSettings(file, getQSettingsFormat());
+      }
       if (settings_->status() == QSettings::NoError) return MMPREF_SUCCESS;
     }
   }
@@ -162,8 +167,16 @@ MMpref_Err MMPREF::initialize_handle(bool load_previous_release) {
 
 int MMPREF::createEmptyPreferenceFile(QFile& file) {
   QDir().mkpath(QString::fromStdString(get_mmpref_directory(MMFILE_CURRENT_RELEASE)));
-  if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) file.close();
-  return file.exists() ? 0 : 1;
+  // Another process may remove a corrupt file between the failed creation and
+  // the check; then the file is made again.
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+      file.close();
+      return 0;
+    }
+    if (file.exists()) return 0;
+  }
+  return 1;
 }
 
 void MMPREF::loadFromRelease(const std::string& release) {
