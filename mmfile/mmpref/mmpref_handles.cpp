@@ -33,6 +33,16 @@ StorePointer storeOf(MMpref handle) {
 
 char* copyText(const std::string& text) { return strdup(text.c_str()); }
 
+// Runs an operation without a result on the handle's store: 0, or 1 when the
+// handle names no store.
+template <typename Operation>
+MMpref_Err onStore(MMpref handle, Operation operation) {
+  const StorePointer store = storeOf(handle);
+  if (!store) return MMPREF_FAILURE;
+  operation(*store);
+  return MMPREF_SUCCESS;
+}
+
 const char* orEmpty(const char* text) { return text ? text : ""; }
 
 // Copies each item's name into a malloc'd array; false, with nothing handed
@@ -202,10 +212,7 @@ MMpref_Err mmpref_contains(MMpref handle, const char* key, MMPREF_TYPE type) {
 }
 
 MMpref_Err mmpref_clear(MMpref handle) {
-  const StorePointer store = storeOf(handle);
-  if (!store) return MMPREF_FAILURE;
-  store->clearSettings();
-  return MMPREF_SUCCESS;
+  return onStore(handle, [&](MMPREF& store) { store.clearSettings(); });
 }
 
 MMpref_Err mmpref_sync(MMpref handle) {
@@ -219,10 +226,7 @@ MMpref_Err mmpref_begin_group(MMpref handle, const char* group) {
 }
 
 MMpref_Err mmpref_end_group(MMpref handle) {
-  const StorePointer store = storeOf(handle);
-  if (!store) return MMPREF_FAILURE;
-  store->endGroup();
-  return MMPREF_SUCCESS;
+  return onStore(handle, [&](MMPREF& store) { store.endGroup(); });
 }
 
 char* mmpref_get_group(MMpref handle) {
@@ -235,17 +239,11 @@ MMpref_Err mmpref_begin_os_attribute(MMpref handle) {
 }
 
 MMpref_Err mmpref_begin_os_attribute2(MMpref handle, MMPREF_PLATFORM platform) {
-  const StorePointer store = storeOf(handle);
-  if (!store) return MMPREF_FAILURE;
-  store->beginOsAttribute(platform);
-  return MMPREF_SUCCESS;
+  return onStore(handle, [&](MMPREF& store) { store.beginOsAttribute(platform); });
 }
 
 MMpref_Err mmpref_end_os_attribute(MMpref handle) {
-  const StorePointer store = storeOf(handle);
-  if (!store) return MMPREF_FAILURE;
-  store->endOsAttribute();
-  return MMPREF_SUCCESS;
+  return onStore(handle, [&](MMPREF& store) { store.endOsAttribute(); });
 }
 
 char* mmpref_get_settings_file(MMpref handle) {
