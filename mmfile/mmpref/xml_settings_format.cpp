@@ -10,6 +10,8 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+#include <libxml/tree.h>
+
 #include <map>
 #include <utility>
 
@@ -85,12 +87,30 @@ QVariantMap elementMembers(const QXmlStreamAttributes& elementAttributes, Elemen
   return QVariantMap(std::move(members));
 }
 
-// The reader lets a NUL character into names after the first one, and the
-// writer writes such names unchecked into a file that no longer parses.
-bool holdsNulInName(const QXmlStreamReader& xml) {
-  if (xml.qualifiedName().contains(QChar(0))) return true;
+// The reader lets characters that no XML name may hold (a NUL, control
+// characters) into a name after its prefix, and the writer writes such names
+// unchecked into a file that no longer parses: they are refused here. ASCII
+// is checked directly, anything else by libxml2's name rules.
+bool isValidName(QStringView name) {
+  bool ascii = true;
+  for (QChar c : name) {
+    const char16_t u = c.unicode();
+    if (u >= 0x80) {
+      ascii = false;
+    } else if (!((u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '-' ||
+                 u == '.' || u == '_' || u == ':')) {
+      return false;
+    }
+  }
+  if (ascii) return true;
+  const QByteArray utf8 = name.toUtf8();
+  return xmlValidateName(reinterpret_cast<const xmlChar*>(utf8.constData()), 0) == 0;
+}
+
+bool holdsInvalidName(const QXmlStreamReader& xml) {
+  if (!isValidName(xml.qualifiedName())) return true;
   for (const QXmlStreamAttribute& attribute : xml.attributes())
-    if (attribute.qualifiedName().contains(QChar(0))) return true;
+    if (!isValidName(attribute.qualifiedName())) return true;
   return false;
 }
 
@@ -119,8 +139,8 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
 
   while (!xml.atEnd()) {
     const QXmlStreamReader::TokenType token = xml.readNext();
-    if (token == QXmlStreamReader::StartElement && holdsNulInName(xml))
-      xml.raiseError(QStringLiteral("A name holds a NUL character."));
+    if (token == QXmlStreamReader::StartElement && holdsInvalidName(xml))
+      xml.raiseError(QStringLiteral("A name holds a character no XML name may hold."));
     switch (xml.hasError() ? QXmlStreamReader::Invalid : token) {
       case QXmlStreamReader::Comment:
         pendingComment = xml.text().toString();

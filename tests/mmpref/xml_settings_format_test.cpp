@@ -79,9 +79,11 @@ TEST(XmlSettingsFormat, ReadingPlacesCommentsPlatformsAndBlanksAndReportsParseEr
   EXPECT_FALSE(read("", map));
   EXPECT_FALSE(read(xmlDocument("<a dt=\"int\">1</a>\n<b dt=int>2</b>\n"), map));
   EXPECT_EQ(map, (Map{{"a", entry("int", "1")}})) << "entries before the error are kept";
-  // A NUL in a name would be written into a file that no longer parses.
+  // A NUL or control character in a name would be written into a file that
+  // no longer parses.
   EXPECT_FALSE(read(xmlDocument(std::string("<a xmlns:p=\"u\" p:\0x=\"1\">v</a>\n", 30)), map));
-  ASSERT_EQ(logged.texts().size(), 3u);
+  EXPECT_FALSE(read(xmlDocument("<a xmlns:p=\"u\" p:\x02x=\"1\">v</a>\n"), map));
+  ASSERT_EQ(logged.texts().size(), 4u);
   for (const std::string& warning : logged.texts())
     EXPECT_TRUE(warning.rfind("! Error parsing XML configuration file \"", 0) == 0 && warning.back() == '"') << warning;
 }
