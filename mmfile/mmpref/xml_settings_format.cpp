@@ -87,18 +87,22 @@ QVariantMap elementMembers(const QXmlStreamAttributes& elementAttributes, Elemen
   return QVariantMap(std::move(members));
 }
 
-// The reader lets characters that no XML name may hold (a NUL, control
-// characters) into a name after its prefix, and the writer writes such names
-// unchecked into a file that no longer parses: they are refused here. ASCII
-// is checked directly, anything else by libxml2's name rules.
+// Only the local part of a name is kept and written back. The reader checks
+// a prefixed name as a whole, so the part after the prefix may still start
+// with a digit, '-' or '.', or hold a NUL or control character; the writer
+// would write such a name unchecked into a file that no longer parses, so it
+// is refused here. ASCII is checked directly, anything else by libxml2's
+// name rules.
 bool isValidName(QStringView name) {
+  if (name.isEmpty()) return false;
   bool ascii = true;
-  for (QChar c : name) {
-    const char16_t u = c.unicode();
+  for (qsizetype i = 0; i < name.size(); ++i) {
+    const char16_t u = name[i].unicode();
+    const bool startChar = (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || u == '_' || u == ':';
+    const bool laterChar = (u >= '0' && u <= '9') || u == '-' || u == '.';
     if (u >= 0x80) {
       ascii = false;
-    } else if (!((u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || (u >= '0' && u <= '9') || u == '-' ||
-                 u == '.' || u == '_' || u == ':')) {
+    } else if (!(startChar || (i > 0 && laterChar))) {
       return false;
     }
   }
@@ -108,9 +112,10 @@ bool isValidName(QStringView name) {
 }
 
 bool holdsInvalidName(const QXmlStreamReader& xml) {
-  if (!isValidName(xml.qualifiedName())) return true;
-  for (const QXmlStreamAttribute& attribute : xml.attributes())
-    if (!isValidName(attribute.qualifiedName())) return true;
+  if (!isValidName(xml.name())) return true;
+  const QXmlStreamAttributes attributes = xml.attributes();
+  for (const QXmlStreamAttribute& attribute : attributes)
+    if (!isValidName(attribute.name())) return true;
   return false;
 }
 

@@ -79,11 +79,21 @@ TEST(XmlSettingsFormat, ReadingPlacesCommentsPlatformsAndBlanksAndReportsParseEr
   EXPECT_FALSE(read("", map));
   EXPECT_FALSE(read(xmlDocument("<a dt=\"int\">1</a>\n<b dt=int>2</b>\n"), map));
   EXPECT_EQ(map, (Map{{"a", entry("int", "1")}})) << "entries before the error are kept";
-  // A NUL or control character in a name would be written into a file that
-  // no longer parses.
-  EXPECT_FALSE(read(xmlDocument(std::string("<a xmlns:p=\"u\" p:\0x=\"1\">v</a>\n", 30)), map));
-  EXPECT_FALSE(read(xmlDocument("<a xmlns:p=\"u\" p:\x02x=\"1\">v</a>\n"), map));
-  ASSERT_EQ(logged.texts().size(), 4u);
+  // Only the part after a prefix is kept: one that is no name by itself
+  // would be written into a file that no longer parses.
+  const std::string badLocalNames[] = {
+      std::string("<a xmlns:p=\"u\" p:\0x=\"1\">v</a>\n", 30),
+      "<a xmlns:p=\"u\" p:\x02x=\"1\">v</a>\n",
+      "<a xmlns:p=\"u\" p:0x=\"1\">v</a>\n",
+      "<a xmlns:p=\"u\" p:-x=\"1\">v</a>\n",
+      "<p:.a xmlns:p=\"u\">v</p:.a>\n",
+  };
+  for (const std::string& body : badLocalNames) EXPECT_FALSE(read(xmlDocument(body), map)) << body;
+  // A prefix that leaves a valid name is read as that name.
+  Map prefixed;
+  EXPECT_TRUE(read(xmlDocument("<p:a xmlns:p=\"u\" p:dt=\"int\">7</p:a>\n"), prefixed));
+  EXPECT_EQ(prefixed, (Map{{"a", entry("int", "7")}}));
+  ASSERT_EQ(logged.texts().size(), 7u);
   for (const std::string& warning : logged.texts())
     EXPECT_TRUE(warning.rfind("! Error parsing XML configuration file \"", 0) == 0 && warning.back() == '"') << warning;
 }
