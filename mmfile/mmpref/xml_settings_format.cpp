@@ -16,6 +16,10 @@
 #include <utility>
 
 #include "mmpref/mmpref_state_internal.h"
+#include "mmpref/xml_plain_scanner_internal.h"
+#include "mmpref/xml_settings_format_internal.h"
+
+using namespace morvellanth::preferences::internal;
 
 namespace {
 
@@ -64,10 +68,10 @@ QString sharedText(QStringView text) {
 
 // The members of one leaf element, built in a plain map and handed over to a
 // QVariantMap whole, which spares QMap's sharing checks on every insertion.
-QVariantMap elementMembers(const QXmlStreamAttributes& elementAttributes, ElementPath& path,
-                           QString& pendingComment) {
+template <typename Attributes>
+QVariantMap elementMembers(const Attributes& elementAttributes, ElementPath& path, QString& pendingComment) {
   std::map<QString, QVariant> members;
-  for (const QXmlStreamAttribute& attribute : elementAttributes) {
+  for (const auto& attribute : elementAttributes) {
     if (attribute.name() == kPlatformAttribute) {
       path.extendTop(u":");
       path.extendTop(attribute.name());
@@ -78,8 +82,6 @@ QVariantMap elementMembers(const QXmlStreamAttributes& elementAttributes, Elemen
       members.insert_or_assign(sharedText(attribute.name()), sharedText(attribute.value()));
     }
   }
-  // A comment belongs to the element right after it; on a group element it is
-  // dropped when the next element starts.
   if (!pendingComment.isEmpty()) {
     members.insert_or_assign(kCommentMember, pendingComment);
     pendingComment.clear();
@@ -119,6 +121,56 @@ bool holdsInvalidName(const QXmlStreamReader& xml) {
   return false;
 }
 
+// Turns the events of a document into settings entries: a leaf's key is the
+// path of open element names, its members the leaf's attributes, the comment
+// right before it and its text.
+class EntryReader final : public XmlScanEvents {
+ public:
+  explicit EntryReader(std::map<QString, QVariant>& entries) : entries_(entries) {}
+
+  void comment(QStringView text) override { pendingComment_ = text.toString(); }
+
+  void startElement(QStringView name, const std::vector<ScannedAttribute>& attributes) override {
+    start(name, attributes);
+  }
+  void startElement(QStringView name, const QXmlStreamAttributes& attributes) { start(name, attributes); }
+
+  void endElement(QStringView name) override {
+    if (name == kRootElement || path_.isEmpty()) return;
+    const QStringView stacked = path_.top();
+    if (stacked.left(stacked.indexOf(u':')) != name)
+      qWarning() << "! Error, this endElement was" << name.toString() << ", not" << stacked.toString();
+    path_.pop();
+  }
+
+  void characters(QStringView text, bool whitespace) override {
+    // Indentation between elements is white space only; text directly in
+    // the root belongs to no key.
+    if (path_.isEmpty() || whitespace || text.trimmed().isEmpty()) return;
+    attributes_.insert(kValueMember, text.toString());
+    // Written files are in key order: the end is the right place to try.
+    entries_.insert_or_assign(entries_.cend(), path_.key(), QVariant(attributes_));
+  }
+
+ private:
+  template <typename Attributes>
+  void start(QStringView name, const Attributes& attributes) {
+    if (name == kRootElement) {
+      attributes_.clear();
+      return;
+    }
+    path_.push(name);
+    // A comment belongs to the element right after it; on a group element
+    // it is dropped when the next element starts.
+    attributes_ = elementMembers(attributes, path_, pendingComment_);
+  }
+
+  std::map<QString, QVariant>& entries_;
+  ElementPath path_;
+  QString pendingComment_;
+  QVariantMap attributes_;
+};
+
 QSettings::Format registeredFormat() {
   static const QSettings::Format format =
       QSettings::registerFormat(QStringLiteral("xml"), readXmlFile, writeXmlFile, Qt::CaseSensitive);
@@ -134,13 +186,24 @@ const QSettings::Format loadTimeRegistration = registeredFormat();
 QSettings::Format getQSettingsFormat() { return registeredFormat(); }
 
 bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
-  QXmlStreamReader xml(&device);
-  ElementPath path;
-  QString pendingComment;
-  QVariantMap attributes;
+  const QByteArray document = device.readAll();
+  std::map<QString, QVariant> scanned;
+  EntryReader scanner(scanned);
+  if (!scanPlainXml(document, scanner)) return readXmlDocument(document, map);
+  if (map.isEmpty()) {
+    map = QSettings::SettingsMap(std::move(scanned));
+  } else {
+    for (auto& [key, value] : scanned) map.insert(key, value);
+  }
+  return true;
+}
+
+bool readXmlDocument(const QByteArray& document, QSettings::SettingsMap& map) {
+  QXmlStreamReader xml(document);
   // Entries go into the plain map inside `map`, handed back at every return.
   std::map<QString, QVariant> entries = std::move(map).toStdMap();
   const auto handBack = qScopeGuard([&] { map = QSettings::SettingsMap(std::move(entries)); });
+  EntryReader reader(entries);
 
   while (!xml.atEnd()) {
     const QXmlStreamReader::TokenType token = xml.readNext();
@@ -148,38 +211,17 @@ bool readXmlFile(QIODevice& device, QSettings::SettingsMap& map) {
       xml.raiseError(QStringLiteral("A name holds a character no XML name may hold."));
     switch (xml.hasError() ? QXmlStreamReader::Invalid : token) {
       case QXmlStreamReader::Comment:
-        pendingComment = xml.text().toString();
+        reader.comment(xml.text());
         break;
-
       case QXmlStreamReader::StartElement:
-        if (xml.name() == kRootElement) {
-          attributes.clear();
-          break;
-        }
-        path.push(xml.name());
-        attributes = elementMembers(xml.attributes(), path, pendingComment);
+        reader.startElement(xml.name(), xml.attributes());
         break;
-
-      case QXmlStreamReader::EndElement: {
-        if (xml.name() == kRootElement || path.isEmpty()) break;
-        const QStringView stacked = path.top();
-        if (stacked.left(stacked.indexOf(u':')) != xml.name())
-          qWarning() << "! Error, this endElement was" << xml.name().toString() << ", not"
-                     << stacked.toString();
-        path.pop();
+      case QXmlStreamReader::EndElement:
+        reader.endElement(xml.name());
         break;
-      }
-
-      case QXmlStreamReader::Characters: {
-        // Indentation between elements is white space only; text directly in
-        // the root belongs to no key. XML white space is a cheap first test.
-        if (path.isEmpty() || xml.isWhitespace() || xml.text().trimmed().isEmpty()) break;
-        attributes.insert(kValueMember, xml.text().toString());
-        // Written files are in key order: the end is the right place to try.
-        entries.insert_or_assign(entries.cend(), path.key(), QVariant(attributes));
+      case QXmlStreamReader::Characters:
+        reader.characters(xml.text(), xml.isWhitespace());
         break;
-      }
-
       default:
         if (xml.hasError()) {
           qWarning() << "! Error parsing XML configuration file" << xml.errorString();

@@ -11,6 +11,8 @@
 #include <random>
 #include <string>
 
+#include "mmpref/xml_plain_scanner_internal.h"
+#include "mmpref/xml_settings_format_internal.h"
 #include "pref_sandbox.h"
 
 namespace {
@@ -38,6 +40,26 @@ bool read(const std::string& text, Map& map) {
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::ReadOnly);
   return readXmlFile(buffer, map);
+}
+
+// Whether the quick scanner takes a document on its own, without falling
+// back to the reference reader.
+bool scannedQuickly(const std::string& text) {
+  struct Ignored final : morvellanth::preferences::internal::XmlScanEvents {
+    void comment(QStringView) override {}
+    void startElement(QStringView, const std::vector<morvellanth::preferences::internal::ScannedAttribute>&) override {}
+    void endElement(QStringView) override {}
+    void characters(QStringView, bool) override {}
+  } ignored;
+  return morvellanth::preferences::internal::scanPlainXml(QByteArray::fromStdString(text), ignored);
+}
+
+// readXmlFile against the reference reader: same result, same entries.
+void expectSameAsReference(const std::string& text) {
+  Map quick, reference;
+  const bool quickOk = read(text, quick);
+  EXPECT_EQ(quickOk, readXmlDocument(QByteArray::fromStdString(text), reference)) << text;
+  EXPECT_EQ(quick, reference) << text;
 }
 
 TEST(XmlSettingsFormat, WritesExactBytesAndReadsThemBackToTheSameMap) {
@@ -98,8 +120,48 @@ TEST(XmlSettingsFormat, ReadingPlacesCommentsPlatformsAndBlanksAndReportsParseEr
     EXPECT_TRUE(warning.rfind("! Error parsing XML configuration file \"", 0) == 0 && warning.back() == '"') << warning;
 }
 
+// Plain documents are scanned quickly; anything else goes to the reference
+// reader. Either way the entries are those the reference reader gives.
+TEST(XmlSettingsFormat, QuickScanAgreesWithTheReferenceReader) {
+  mmpref_test::QtWarnings quiet;
+  const std::pair<std::string, bool> cases[] = {
+      {xmlDocument("<g os=\"linux\">\n<!--c-->\n<k dt=\"int\" u='x'>1</k>\n</g>\n"), true},
+      {xmlDocument("<a dt = \"QString\"\n  u=\"&lt;&amp;&gt;&quot;&apos;\">x &amp; y &gt; z</a>\n"), true},
+      {xmlDocument("<a dt=\"int\">1<!--inside-->2</a>\n<b/>\n<c dt=\"int\">3<d>4</d>5</c>\n"), true},
+      {"<!--before-->\n<ApplicationSettings><k>v</k></ApplicationSettings>\n<!--after-->", true},
+      {"<other><k dt=\"int\">1</k><ApplicationSettings><m>2</m></ApplicationSettings></other>", true},
+      {xmlDocument("<k dt=\"QString\">caf\xc3\xa9</k>\n"), false},
+      {xmlDocument("<k dt=\"QString\">&#65;</k>\n"), false},
+      {xmlDocument("<k dt=\"QString\"><![CDATA[<x>]]></k>\n"), false},
+      {xmlDocument("<k dt=\"QString\">a\r\nb</k>\n"), false},
+      {xmlDocument("<k dt=\"Q\tString\">v</k>\n"), false},
+      {xmlDocument("<p:k xmlns:p=\"u\" dt=\"int\">1</p:k>\n"), false},
+      {xmlDocument("<k xmlns=\"u\" dt=\"int\">1</k>\n"), false},
+      {"<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n<ApplicationSettings><k>v</k></ApplicationSettings>\n",
+       false},
+      {"<!DOCTYPE ApplicationSettings>\n<ApplicationSettings><k>v</k></ApplicationSettings>\n", false},
+      {xmlDocument("<k dt=\"int\">1</k>\n<m dt=\"int\">2</n>\n"), false},
+      {xmlDocument("<k dt=\"int\" dt=\"int\">1</k>\n"), false},
+      {xmlDocument("<k dt=\"int\"u=\"x\">1</k>\n"), false},
+      {xmlDocument("<k>a]]>b</k>\n"), false},
+      {xmlDocument("<!-- a -- b -->\n<k>v</k>\n"), false},
+      {xmlDocument("<k>v</k>\n") + "<extra/>", false},
+      {xmlDocument("<k>v</k>\n").substr(0, 60), false},
+  };
+  for (const auto& [text, quick] : cases) {
+    EXPECT_EQ(scannedQuickly(text), quick) << text;
+    expectSameAsReference(text);
+  }
+  // Entries read into a map that already holds some replace those of the
+  // same key and keep the others.
+  Map map{{"k", entry("int", "0")}, {"other", entry("int", "9")}};
+  EXPECT_TRUE(read(xmlDocument("<k dt=\"int\">1</k>\n"), map));
+  EXPECT_EQ(map, (Map{{"k", entry("int", "1")}, {"other", entry("int", "9")}}));
+}
+
 // Random bytes and damaged copies of a valid document must only ever yield
-// entries with a name; the sanitizer build checks that nothing is overrun.
+// entries with a name, the same as the reference reader's; the sanitizer
+// build checks that nothing is overrun.
 TEST(XmlSettingsFormat, SurvivesRandomAndDamagedInput) {
   mmpref_test::QtWarnings quiet;
   std::mt19937 random(20254);
@@ -114,6 +176,7 @@ TEST(XmlSettingsFormat, SurvivesRandomAndDamagedInput) {
     Map map;
     read(text, map);
     EXPECT_FALSE(map.contains("")) << text;
+    expectSameAsReference(text);
   }
 }
 
