@@ -2,7 +2,8 @@
 // in-memory device, and through QSettings with the registered format on a
 // file in the working directory. Input: the file's bytes.
 // Checks: readXmlFile, which scans plain documents quickly, gives the same
-// result and the same entries as the reference reader on every input; whatever readXmlFile puts in the map, writeXmlFile writes as a document
+// result and the same entries as the reference reader on every input.
+// Whatever readXmlFile puts in the map, writeXmlFile writes as a document
 // that readXmlFile accepts again, so a store that saves what it read can
 // always read its file back, and QSettings reports a format error exactly
 // when readXmlFile fails. A map holding characters XML cannot carry (a

@@ -19,8 +19,6 @@ bool isPlainAscii(const QByteArray& document) {
 }
 
 bool isSpace(char16_t c) { return c == ' ' || c == '\t' || c == '\n'; }
-bool isNameStart(char16_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
-bool isNameChar(char16_t c) { return isNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
 
 class PlainScanner {
  public:
@@ -61,9 +59,9 @@ class PlainScanner {
 
   bool name(QStringView& out) {
     const qsizetype start = pos_;
-    if (!isNameStart(peek())) return false;
+    if (!isAsciiNameStart(peek())) return false;
     ++pos_;
-    while (isNameChar(peek())) ++pos_;
+    while (isAsciiNameChar(peek())) ++pos_;
     out = text_.mid(start, pos_ - start);
     return true;
   }

@@ -16,6 +16,13 @@
 
 namespace morvellanth::preferences::internal {
 
+// The ASCII characters that may start a name without a prefix, and those that
+// may follow the first.
+inline bool isAsciiNameStart(char16_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
+inline bool isAsciiNameChar(char16_t c) {
+  return isAsciiNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
+}
+
 // One attribute of a start tag. The value views the document, or `decoded`
 // when entities had to be replaced.
 struct ScannedAttribute {

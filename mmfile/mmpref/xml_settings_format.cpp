@@ -100,11 +100,9 @@ bool isValidName(QStringView name) {
   bool ascii = true;
   for (qsizetype i = 0; i < name.size(); ++i) {
     const char16_t u = name[i].unicode();
-    const bool startChar = (u >= 'a' && u <= 'z') || (u >= 'A' && u <= 'Z') || u == '_' || u == ':';
-    const bool laterChar = (u >= '0' && u <= '9') || u == '-' || u == '.';
     if (u >= 0x80) {
       ascii = false;
-    } else if (!(startChar || (i > 0 && laterChar))) {
+    } else if (u != ':' && !(i == 0 ? isAsciiNameStart(u) : isAsciiNameChar(u))) {
       return false;
     }
   }
